@@ -1,0 +1,32 @@
+# Language, warnings, sanitizers and helpers that hold for the whole project.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+include(CTest)
+
+set(VGN_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them; empty for none")
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+# Carries the project's own compile options to every target of the project, and to nobody else's.
+add_library(vgn_options INTERFACE)
+target_compile_options(vgn_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+# libsigc++ and Qt both claim the words "signals" and "slots"; the project writes Q_SIGNALS, Q_SLOTS, Q_EMIT.
+target_compile_definitions(vgn_options INTERFACE QT_NO_KEYWORDS)
+target_include_directories(vgn_options INTERFACE ${CMAKE_SOURCE_DIR}/libs)
+
+if(VGN_SANITIZE)
+  add_compile_options(-fsanitize=${VGN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${VGN_SANITIZE})
+endif()

@@ -1,0 +1,46 @@
+# The three kinds of target that the project has.
+
+# vgn_library(NAME SOURCES ... [PUBLIC targets...] [PRIVATE targets...])
+#
+# PUBLIC: what its headers show; PRIVATE: what only its sources use.
+function(vgn_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PUBLIC;PRIVATE")
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_link_libraries(${name} PUBLIC vgn_options ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
+endfunction()
+
+# vgn_program(NAME SOURCES ... LIBRARIES ...)
+function(vgn_program name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE vgn_options ${arg_LIBRARIES})
+endfunction()
+
+# vgn_test(NAME SOURCES ... LIBRARIES ... [ENVIRONMENT ...] [TIMEOUT seconds])
+#
+# A GoogleTest program, each of whose tests CTest runs in a sandbox of its own. A program that brings its own main
+# (Qt tests need an application object) says OWN_MAIN.
+function(vgn_test name)
+  if(NOT BUILD_TESTING)
+    return()
+  endif()
+  cmake_parse_arguments(PARSE_ARGV 1 arg "OWN_MAIN" "TIMEOUT" "SOURCES;LIBRARIES;ENVIRONMENT;LABELS")
+  add_executable(${name} ${arg_SOURCES})
+  set(main GTest::gtest_main)
+  if(arg_OWN_MAIN)
+    set(main GTest::gtest)
+  endif()
+  target_link_libraries(${name} PRIVATE vgn_options ${arg_LIBRARIES} GTest::gmock ${main})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+  # CMake runs a test through this wherever it has one; it is not about cross compiling here.
+  set_target_properties(${name} PROPERTIES
+    CROSSCOMPILING_EMULATOR "${CMAKE_SOURCE_DIR}/sim/sandbox;run;--build;${CMAKE_BINARY_DIR};--")
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 60)
+  endif()
+  gtest_discover_tests(${name}
+    TEST_PREFIX "${name}."
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}" LABELS "${arg_LABELS}")
+endfunction()

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <event2/event.h>
+
+struct evdns_base;
+
+namespace zyl {
+
+/// Makes an event base. Nothing else in the project may: the first call sets libevent up for threads, so that posts
+/// from other threads lock and wake, and routes its messages to the logger "zyl_event". A fatal libevent error logs
+/// "FATAL : " and the code and ends the process. The caller frees the base. Any thread.
+event_base* new_event_base();
+
+/// A libevent loop and its resolver. Owned and run by one thread; `stop` and `zyl::post` may come from any.
+class event_loop_t {
+ public:
+  event_loop_t();
+  ~event_loop_t();
+
+  event_loop_t(const event_loop_t&) = delete;
+  event_loop_t& operator=(const event_loop_t&) = delete;
+  event_loop_t(event_loop_t&&) = delete;
+  event_loop_t& operator=(event_loop_t&&) = delete;
+
+  /// Runs until `stop`, also while there is no event. One stop is kept for a run that has not begun. Not restartable.
+  void run();
+
+  void stop();
+
+  /// The loop's base; lives as long as this object.
+  event_base* base() const { return loop_base; }
+
+  /// The loop's resolver; null on a machine without a resolver configuration.
+  evdns_base* dns_base() const { return resolver; }
+
+ private:
+  event_base* loop_base;
+  evdns_base* resolver;
+};
+
+}  // namespace zyl
