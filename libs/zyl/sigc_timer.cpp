@@ -11,7 +11,9 @@
 namespace zyl {
 
 sigc_timer_t::sigc_timer_t(event_base* base, int32_t period, bool once)
-    : timeout(base != nullptr ? event_new(base, -1, 0, on_timeout, this) : nullptr), period_ms(period), one_shot(once) {}
+    : timeout(base != nullptr ? event_new(base, -1, 0, on_timeout, this) : nullptr),
+      period_ms(period),
+      one_shot(once) {}
 
 sigc_timer_t::~sigc_timer_t() {
   if (timeout != nullptr) {

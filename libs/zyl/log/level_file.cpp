@@ -77,13 +77,20 @@ void load(const std::string& path, const std::string& program) {
 spdlog::level::level_enum level_of(std::string_view text) {
   using spdlog::level::level_enum;
   static constexpr std::array<std::pair<std::string_view, level_enum>, 14> words{{
-      {"Off", level_enum::off},           {"off", level_enum::off},
-      {"Critical", level_enum::critical}, {"critical", level_enum::critical},
-      {"Error", level_enum::err},         {"error", level_enum::err},
-      {"Warning", level_enum::warn},      {"warning", level_enum::warn},
-      {"Info", level_enum::info},         {"info", level_enum::info},
-      {"Debug", level_enum::debug},       {"debug", level_enum::debug},
-      {"Trace", level_enum::trace},       {"trace", level_enum::trace},
+      {"Off", level_enum::off},
+      {"off", level_enum::off},
+      {"Critical", level_enum::critical},
+      {"critical", level_enum::critical},
+      {"Error", level_enum::err},
+      {"error", level_enum::err},
+      {"Warning", level_enum::warn},
+      {"warning", level_enum::warn},
+      {"Info", level_enum::info},
+      {"info", level_enum::info},
+      {"Debug", level_enum::debug},
+      {"debug", level_enum::debug},
+      {"Trace", level_enum::trace},
+      {"trace", level_enum::trace},
   }};
   for (const auto& [word, level] : words) {
     if (word == text) {

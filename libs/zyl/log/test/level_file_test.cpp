@@ -58,8 +58,9 @@ TEST_F(LevelFile, PassesOverALoggerThatNobodyRegistered) {
 }
 
 TEST_F(LevelFile, MalformedInAnyWayChangesNothing) {
-  for (const char* text : {"", "[", "[]", "{}", R"({"git_revision": 1})", R"({"git_revision": "abc", "vgn_control": 1})",
-                           R"({"git_revision": "abc", "vgn_control": {"level_file_test")"}) {
+  for (const char* text :
+       {"", "[", "[]", "{}", R"({"git_revision": 1})", R"({"git_revision": "abc", "vgn_control": 1})",
+        R"({"git_revision": "abc", "vgn_control": {"level_file_test")"}) {
     load(text);
     EXPECT_EQ(logger.level(), spdlog::level::info) << text;
     EXPECT_TRUE(std::filesystem::exists(path)) << text;
