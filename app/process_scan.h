@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QByteArray>
+#include <QStringList>
+#include <string_view>
+
+namespace vgn_control {
+
+/// Whether an entry of "/proc" is a process: nothing but decimal digits. True for an empty name.
+bool isProcessEntry(std::string_view entry);
+
+/// The ids of the processes whose `comm` is exactly `name`, which is in the local 8-bit encoding. A `comm` holds 15
+/// characters at most, so a longer name finds nothing. Processes that end during the scan are passed over; without
+/// "/proc" the program ends. Any thread.
+QStringList processesNamed(const QByteArray& name);
+
+}  // namespace vgn_control

@@ -1,0 +1,91 @@
+#include "app/runtime_engine_monitor.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QThread>
+#include <future>
+#include <memory>
+#include <vector>
+
+#include "test_support/fake_process.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using vgn_control::RuntimeEngineMonitor;
+
+class RuntimeEngineMonitorTest : public testing::Test {
+ protected:
+  RuntimeEngineMonitorTest() {
+    QObject::connect(&monitor, &RuntimeEngineMonitor::statusChanged, &monitor,
+                     [this](bool status) { told.push_back(status); });
+  }
+
+  RuntimeEngineMonitor monitor{"runtime_engine", 1};
+  std::vector<bool> told;
+};
+
+TEST_F(RuntimeEngineMonitorTest, TellsNothingWhileTheEngineIsAway) {
+  monitor.check();
+  EXPECT_THAT(told, IsEmpty());
+  EXPECT_FALSE(monitor.isRunning());
+}
+
+TEST_F(RuntimeEngineMonitorTest, TellsAtTheFirstLookOfAnEngineThatRunsAlready) {
+  const fake_process_t engine("runtime_engine");
+  monitor.check();
+  EXPECT_THAT(told, ElementsAre(true));
+  EXPECT_TRUE(monitor.isRunning());
+}
+
+TEST_F(RuntimeEngineMonitorTest, TellsOnceWhenTheEngineComesAndOnceWhenItGoes) {
+  {
+    const fake_process_t engine("runtime_engine");
+    monitor.check();
+    monitor.check();
+  }
+  monitor.check();
+  monitor.check();
+  EXPECT_THAT(told, ElementsAre(true, false));
+  EXPECT_FALSE(monitor.isRunning());
+}
+
+TEST_F(RuntimeEngineMonitorTest, AnEngineThatRestartsBetweenTwoLooksIsNoChange) {
+  auto engine = std::make_unique<fake_process_t>("runtime_engine");
+  monitor.check();
+  engine.reset();
+  engine = std::make_unique<fake_process_t>("runtime_engine");
+  monitor.check();
+  EXPECT_THAT(told, ElementsAre(true));
+}
+
+TEST_F(RuntimeEngineMonitorTest, AnotherProcessWithALongerNameIsNotTheEngine) {
+  const fake_process_t other("runtime_engine2");
+  monitor.check();
+  EXPECT_THAT(told, IsEmpty());
+}
+
+TEST(RuntimeEngineMonitorThread, LooksOnItsThreadUntilItIsStoppedDirectly) {
+  const fake_process_t engine("runtime_engine");
+  RuntimeEngineMonitor monitor("runtime_engine", 1);
+  QThread thread;
+  monitor.moveToThread(&thread);
+  std::promise<bool> told;
+  bool finished = false;
+  QObject::connect(&thread, &QThread::started, &monitor, &RuntimeEngineMonitor::start);
+  QObject::connect(
+      &monitor, &RuntimeEngineMonitor::statusChanged, &monitor, [&](bool status) { told.set_value(status); },
+      Qt::DirectConnection);
+  QObject::connect(
+      &monitor, &RuntimeEngineMonitor::finished, &monitor, [&] { finished = true; }, Qt::DirectConnection);
+  thread.start();
+  EXPECT_TRUE(told.get_future().get());
+  monitor.stop();
+  thread.quit();
+  thread.wait();
+  EXPECT_TRUE(finished);
+}
+
+}  // namespace

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <string>
+
+/// A child process that does nothing under a name of the test's choice (its `comm`, 15 characters at most). It has the
+/// name when the constructor returns and is gone from "/proc" when the destructor does.
+class fake_process_t {
+ public:
+  explicit fake_process_t(const char* name) {
+    int named[2];
+    if (pipe(named) != 0) {
+      return;
+    }
+    child = fork();
+    if (child == 0) {
+      run(name, named[1]);
+    }
+    close(named[1]);
+    char byte = 0;
+    [[maybe_unused]] const ssize_t got = read(named[0], &byte, 1);
+    close(named[0]);
+  }
+  ~fake_process_t() {
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+  }
+
+  fake_process_t(const fake_process_t&) = delete;
+  fake_process_t& operator=(const fake_process_t&) = delete;
+
+  std::string id() const { return std::to_string(child); }
+
+ private:
+  [[noreturn]] static void run(const char* name, int named) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    prctl(PR_SET_NAME, name);
+    [[maybe_unused]] const ssize_t told = write(named, "1", 1);
+    for (;;) {
+      pause();
+    }
+  }
+
+  pid_t child = -1;
+};
