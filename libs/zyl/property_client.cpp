@@ -1,0 +1,155 @@
+#include "zyl/property_client.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "zyl/log/module_logger.h"
+
+static auto& module_log = zyl::module_logger("lin_property");
+#include "zyl/log/log_bind.h"
+
+namespace zyl {
+namespace {
+
+constexpr int send_timeout_ms = 1000;
+constexpr std::size_t chunk_size = 128;
+// Keeps one burst from starving the caller.
+constexpr std::size_t drain_limit = 65535;
+
+bool connect_to(int fd, const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  path.copy(address.sun_path, sizeof address.sun_path - 1);
+  const auto length = static_cast<socklen_t>(path.size() + sizeof address.sun_family);
+  return ::connect(fd, reinterpret_cast<const sockaddr*>(&address), length) == 0;
+}
+
+}  // namespace
+
+property_client_t::~property_client_t() { property_client_t::disconnect(); }
+
+bool property_client_t::connect() {
+  disconnect();
+  rx_buffer.clear();
+  stream_ended = false;
+  socket.fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+  if (socket.fd >= 0 && connect_to(socket.fd, socket.path)) {
+    return true;
+  }
+  log_debug_s() << "connect " << socket.path << " errno=" << errno;
+  disconnect();
+  return false;
+}
+
+void property_client_t::disconnect() {
+  if (socket.fd >= 0) {
+    ::close(socket.fd);
+    socket.fd = -1;
+  }
+}
+
+bool property_client_t::create(const std::string& path) { return send({"create", path}); }
+
+bool property_client_t::get(const std::string& path) { return send({"get", path}); }
+
+bool property_client_t::set(const std::string& path, const std::string& value) { return send({"set", path, value}); }
+
+bool property_client_t::list(const std::string& path) { return send({"list", path}); }
+
+bool property_client_t::monitor(const std::string& path) { return send({"monitor", path}); }
+
+bool property_client_t::get_all() { return send({"get_all"}); }
+
+bool property_client_t::read(const std::string& path, std::string& value, int timeout_ms) {
+  static_cast<void>(get(path));  // a request that did not go out shows as a missing answer
+  std::string command;
+  std::string answered;
+  if (!receive(command, answered, value, timeout_ms)) {
+    value.clear();
+    return false;
+  }
+  if (command == "get_response" && answered == path) {
+    return true;
+  }
+  value.clear();
+  return command == "error" && answered == "no_property";
+}
+
+bool property_client_t::receive(std::string& command, std::string& path, std::string& value, int timeout_ms) {
+  command.clear();
+  path.clear();
+  value.clear();
+  do {
+    if (ready_for(POLLIN, 0)) {
+      stream_ended = !drain();
+    }
+    rx_buffer.resynchronise();
+    if (auto fields = rx_buffer.take_frame(); fields && !fields->empty()) {
+      if (fields->size() != 3) {
+        command = "error";
+        path = "bad_payload";
+        return !rx_buffer.empty();
+      }
+      command = std::move((*fields)[0]);
+      path = std::move((*fields)[1]);
+      value = std::move((*fields)[2]);
+      return true;
+    }
+    // A peer that shut down only its sending side leaves the socket readable for ever, without a byte to come.
+  } while (!stream_ended && ready_for(POLLIN, timeout_ms));
+  return false;
+}
+
+bool property_client_t::hung_up() const {
+  pollfd watched{socket.fd, POLLIN, 0};
+  return socket.fd >= 0 && (stream_ended || (::poll(&watched, 1, 0) > 0 && (watched.revents & POLLHUP) != 0));
+}
+
+bool property_client_t::send(std::initializer_list<std::string_view> fields) {
+  const std::string frame = build_frame(fields);
+  std::string_view left = frame;
+  while (!left.empty() && ready_for(POLLOUT, send_timeout_ms)) {
+    const ssize_t sent = ::send(socket.fd, left.data(), left.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+    if (sent < 0) {
+      break;
+    }
+    left.remove_prefix(static_cast<std::size_t>(sent));
+  }
+  return left.empty();
+}
+
+/// Reads what is there. False when nothing will come any more.
+bool property_client_t::drain() {
+  std::array<char, chunk_size> chunk{};
+  std::size_t drained = 0;
+  do {
+    const ssize_t received = ::recv(socket.fd, chunk.data(), chunk.size(), MSG_DONTWAIT);
+    if (received <= 0) {
+      return received < 0 && (errno == EAGAIN || errno == EINTR);
+    }
+    rx_buffer.append({chunk.data(), static_cast<std::size_t>(received)});
+    drained += static_cast<std::size_t>(received);
+  } while (drained <= drain_limit && ready_for(POLLIN, 0));
+  return true;
+}
+
+/// Waits for the event. A peer that has hung up is never ready; nor is a closed descriptor, of which poll would only
+/// sleep.
+bool property_client_t::ready_for(short event, int timeout_ms) const {
+  if (socket.fd < 0) {
+    return false;
+  }
+  pollfd watched{socket.fd, event, 0};
+  const auto count = TEMP_FAILURE_RETRY(::poll(&watched, 1, timeout_ms));
+  return count > 0 && (watched.revents & event) != 0 && (watched.revents & POLLHUP) == 0;
+}
+
+}  // namespace zyl
