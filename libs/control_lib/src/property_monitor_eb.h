@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "control_lib/src/property_observer_eb.h"
+
+namespace control_lib {
+
+/// Watches properties of the bus for observers on an event loop.
+class property_monitor_eb_t {
+ public:
+  virtual ~property_monitor_eb_t() = default;
+
+  /// Opens the connection to the bus, anew if there is one.
+  virtual void connect() = 0;
+
+  /// Registers an observer of a property. It is not owned and must outlive the monitor. Any thread.
+  virtual void monitor(const std::string& path, property_observer_eb_t* observer) = 0;
+
+  /// Writes a property. False without a connection or if the request did not go out. Loop thread.
+  virtual bool set(const std::string& path, const std::string& value) = 0;
+};
+
+}  // namespace control_lib
