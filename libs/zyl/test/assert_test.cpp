@@ -7,9 +7,7 @@
 
 namespace {
 
-void expect_two(int value) {
-  ZYL_ASSERT(value == 2);
-}
+void expect_two(int value) { ZYL_ASSERT(value == 2); }
 
 }  // namespace
 
