@@ -1,0 +1,225 @@
+#include "control_lib/src/property_monitor_engine.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <tuple>
+#include <vector>
+
+#include "test_support/fake_property_service.h"
+#include "test_support/log_capture.h"
+#include "test_support/loop_until.h"
+#include "zyl/event_loop.h"
+#include "zyl/post.h"
+
+using control_lib::property_monitor_engine_t;
+using control_lib::property_response_e;
+using test_support::fake_property_service_t;
+using test_support::log_capture_t;
+using test_support::loop_until;
+using testing::ElementsAre;
+using testing::FieldsAre;
+
+namespace {
+
+constexpr auto changed = property_response_e::changed;
+constexpr auto get = property_response_e::get;
+constexpr auto no_prop_error = property_response_e::no_prop_error;
+
+/// Keeps what it hears.
+struct recording_observer_t : control_lib::property_observer_eb_t {
+  void on_property(property_response_e kind, const std::string& path, const std::string& value) override {
+    heard.emplace_back(kind, path, value);
+  }
+  std::vector<std::tuple<property_response_e, std::string, std::string>> heard;
+};
+
+class PropertyMonitorEngine : public testing::Test {
+ protected:
+  bool hears(const recording_observer_t& listener, std::size_t count) {
+    return loop_until(loop.base(), [&] { return listener.heard.size() >= count; });
+  }
+
+  /// Until the service has heard that many requests.
+  bool requested(std::size_t count) {
+    return loop_until(loop.base(), [&] { return service->requests().size() >= count; });
+  }
+
+  /// Until what was posted so far has run.
+  bool posts_ran() {
+    bool ran = false;
+    zyl::post(loop.base(), [&] { ran = true; });
+    return loop_until(loop.base(), [&] { return ran; });
+  }
+
+  zyl::event_loop_t loop;
+  std::unique_ptr<fake_property_service_t> service = std::make_unique<fake_property_service_t>();
+  recording_observer_t observer;
+};
+
+}  // namespace
+
+TEST_F(PropertyMonitorEngine, IsASessionUnderTheNameOfItsClass) {
+  property_monitor_engine_t engine(loop.base());
+  EXPECT_EQ(control_lib::session_t::find("property_monitor_engine_t"), &engine);
+}
+
+TEST_F(PropertyMonitorEngine, CreatesGetsAndMonitorsANewPath) {
+  property_monitor_engine_t engine(loop.base());
+  engine.monitor("/a", &observer);
+  ASSERT_TRUE(requested(3));
+  EXPECT_THAT(service->requests(),
+              ElementsAre(ElementsAre("create", "/a"), ElementsAre("get", "/a"), ElementsAre("monitor", "/a")));
+}
+
+TEST_F(PropertyMonitorEngine, TellsAnswersAndChangesToTheObserversOfThePath) {
+  property_monitor_engine_t engine(loop.base());
+  engine.monitor("/a", &observer);
+  ASSERT_TRUE(requested(3));
+  service->send({"get_response", "/a", "1"});
+  service->send({"changed", "/a", "2"});
+  ASSERT_TRUE(hears(observer, 2));
+  EXPECT_THAT(observer.heard, ElementsAre(FieldsAre(get, "/a", "1"), FieldsAre(changed, "/a", "2")));
+}
+
+TEST_F(PropertyMonitorEngine, SecondObserverMakesAllOfThePathHearTheValueAgain) {
+  service = nullptr;
+  service = std::make_unique<fake_property_service_t>(fake_property_service_t::from({{"/a", "1"}}));
+  property_monitor_engine_t engine(loop.base());
+  engine.monitor("/a", &observer);
+  ASSERT_TRUE(hears(observer, 1));
+  recording_observer_t newcomer;
+  engine.monitor("/a", &newcomer);
+  ASSERT_TRUE(hears(newcomer, 1));
+  EXPECT_THAT(newcomer.heard, ElementsAre(FieldsAre(get, "/a", "1")));
+  EXPECT_THAT(observer.heard, ElementsAre(FieldsAre(get, "/a", "1"), FieldsAre(get, "/a", "1")));
+  EXPECT_THAT(service->requests(), ElementsAre(ElementsAre("create", "/a"), ElementsAre("get", "/a"),
+                                               ElementsAre("monitor", "/a"), ElementsAre("get", "/a")));
+}
+
+TEST_F(PropertyMonitorEngine, ChangeOfAnUnobservedPathHasNoEffect) {
+  property_monitor_engine_t engine(loop.base());
+  engine.monitor("/a", &observer);
+  ASSERT_TRUE(requested(3));
+  service->send({"changed", "/other", "1"});
+  service->send({"renamed", "/a", "1"});
+  service->send({"changed", "/a", "last"});
+  ASSERT_TRUE(hears(observer, 1));
+  EXPECT_THAT(observer.heard, ElementsAre(FieldsAre(changed, "/a", "last")));
+}
+
+TEST_F(PropertyMonitorEngine, ErrorReachesObserversOnlyByItsSecondFieldAndNamesTheThird) {
+  property_monitor_engine_t engine(loop.base());
+  engine.monitor("/a", &observer);
+  ASSERT_TRUE(requested(3));
+  service->send({"error", "no_property", "/a"});
+  service->send({"error", "/a", "/missing"});
+  ASSERT_TRUE(hears(observer, 1));
+  EXPECT_THAT(observer.heard, ElementsAre(FieldsAre(no_prop_error, "/missing", "")));
+}
+
+TEST_F(PropertyMonitorEngine, MonitorBeforeTheConnectionSendsNothingUntilItStands) {
+  service = nullptr;
+  log_capture_t log("ctl_property_monitor");
+  property_monitor_engine_t engine(loop.base());
+  ASSERT_EQ(log.entries().size(), 1U);
+  EXPECT_EQ(log.entries()[0].level, spdlog::level::err);
+  EXPECT_EQ(log.entries()[0].text, "property_monitor_eb_t property_engine connect failed");
+  service = std::make_unique<fake_property_service_t>();
+  engine.monitor("/a", &observer);
+  ASSERT_TRUE(posts_ran());
+  EXPECT_FALSE(engine.set("/a", "1"));
+  EXPECT_TRUE(service->requests().empty());
+
+  engine.connect();
+  EXPECT_TRUE(engine.set("/a", "1"));
+  ASSERT_TRUE(requested(4));
+  EXPECT_THAT(service->requests(), ElementsAre(ElementsAre("create", "/a"), ElementsAre("get", "/a"),
+                                               ElementsAre("monitor", "/a"), ElementsAre("set", "/a", "1")));
+}
+
+TEST_F(PropertyMonitorEngine, ConnectingAgainWatchesTheNewConnection) {
+  property_monitor_engine_t engine(loop.base());
+  engine.monitor("/a", &observer);
+  ASSERT_TRUE(requested(3));
+  service->close_clients();
+  ASSERT_TRUE(posts_ran());
+  engine.connect();
+  ASSERT_TRUE(requested(6));
+  service->send({"changed", "/a", "1"});
+  ASSERT_TRUE(hears(observer, 1));
+  EXPECT_THAT(observer.heard, ElementsAre(FieldsAre(changed, "/a", "1")));
+}
+
+TEST_F(PropertyMonitorEngine, ObserverMayJoinFromAnotherThreadWhileTheLoopRuns) {
+  service = nullptr;
+  service = std::make_unique<fake_property_service_t>(fake_property_service_t::from({{"/a", "1"}, {"/b", "2"}}));
+  property_monitor_engine_t engine(loop.base());
+  recording_observer_t other;
+  std::thread joining([&] {
+    engine.monitor("/a", &observer);
+    engine.monitor("/b", &other);
+    engine.connect();
+  });
+  EXPECT_TRUE(hears(observer, 1));
+  EXPECT_TRUE(hears(other, 1));
+  joining.join();
+  EXPECT_EQ(observer.heard[0], std::make_tuple(get, "/a", "1"));
+  EXPECT_EQ(other.heard[0], std::make_tuple(get, "/b", "2"));
+}
+
+TEST_F(PropertyMonitorEngine, HangUpIsNoticedByNobodyAndTheLoopComesToRest) {
+  log_capture_t log("ctl_property_monitor", spdlog::level::debug);
+  property_monitor_engine_t engine(loop.base());
+  engine.monitor("/a", &observer);
+  ASSERT_TRUE(requested(3));
+  service->close_clients();
+  const auto polls = [&] {
+    const auto lines = log.lines();
+    return std::count(lines.begin(), lines.end(), "property_monitor_eb_t::poll");
+  };
+  ASSERT_TRUE(loop_until(loop.base(), [&] { return polls() > 0; }));
+  for (int turn = 0; turn < 5; ++turn) {
+    ASSERT_TRUE(posts_ran());
+  }
+  EXPECT_EQ(polls(), 1);
+  EXPECT_TRUE(observer.heard.empty());
+}
+
+TEST_F(PropertyMonitorEngine, WhatIsStillPostedWhenItDiesDoesNothing) {
+  auto engine = std::make_unique<property_monitor_engine_t>(loop.base());
+  engine->monitor("/a", &observer);
+  engine.reset();
+  ASSERT_TRUE(posts_ran());
+  EXPECT_TRUE(service->requests().empty());
+}
+
+TEST_F(PropertyMonitorEngine, TellsItsWorkAtDebugLevel) {
+  log_capture_t log("ctl_property_monitor", spdlog::level::debug);
+  property_monitor_engine_t engine(loop.base());
+  engine.monitor("/a", &observer);
+  ASSERT_TRUE(requested(3));
+  engine.monitor("/a", &observer);
+  ASSERT_TRUE(requested(4));
+  service->send({"changed", "/a", "1"});
+  ASSERT_TRUE(hears(observer, 2));
+  EXPECT_THAT(log.lines(),
+              ElementsAre("property_monitor_eb_t::connect() CONNECTED", "property_monitor_eb_t::monitor /a",
+                          "property_monitor_eb_t::send_prop_monitor /a (connected)",
+                          "property_monitor_eb_t::monitor /a", "property_monitor_eb_t::send_get /a (connected)",
+                          "property_monitor_eb_t::poll", "property_monitor_eb_t::on_socket_event changed /a 1"));
+}
+
+TEST(PropertyResponse, PrintsAsItsName) {
+  std::ostringstream out;
+  out << changed << ' ' << get << ' ' << no_prop_error << ' ' << static_cast<property_response_e>(9);
+  EXPECT_EQ(out.str(), "property_response_e::changed property_response_e::get property_response_e::no_prop_error 9");
+  EXPECT_EQ(static_cast<int>(changed), 0);
+  EXPECT_EQ(static_cast<int>(get), 1);
+  EXPECT_EQ(static_cast<int>(no_prop_error), 2);
+}

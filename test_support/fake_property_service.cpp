@@ -1,0 +1,180 @@
+#include "test_support/fake_property_service.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+namespace test_support {
+namespace {
+
+constexpr const char* service_path = "/tmp/.tarn_property_ipc";
+
+int listen_at(const char* path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  std::strncpy(address.sun_path, path, sizeof address.sun_path - 1);
+  ::unlink(path);
+  const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (::bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 || ::listen(fd, 16) != 0) {
+    std::abort();
+  }
+  return fd;
+}
+
+void send_all(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t sent = ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    if (sent < 0) {
+      return;
+    }
+    bytes.remove_prefix(static_cast<std::size_t>(sent));
+  }
+}
+
+}  // namespace
+
+fake_property_service_t::fake_property_service_t(answer_t given_answer)
+    : answer(std::move(given_answer)), listener(listen_at(service_path)), wake_fd(::eventfd(0, EFD_CLOEXEC)) {
+  server = std::thread([this] { serve(); });
+}
+
+fake_property_service_t::~fake_property_service_t() {
+  {
+    const std::lock_guard lock(mutex);
+    stopping = true;
+  }
+  wake();
+  server.join();
+  close_clients();
+  ::close(listener);
+  ::close(wake_fd);
+  ::unlink(service_path);
+}
+
+std::string fake_property_service_t::nothing(const request_t& /*request*/, int /*client*/) { return {}; }
+
+fake_property_service_t::answer_t fake_property_service_t::from(std::map<std::string, std::string> values) {
+  return [values = std::move(values)](const request_t& request, int /*client*/) -> std::string {
+    if (request.size() != 2 || request[0] != "get") {
+      return {};
+    }
+    const auto entry = values.find(request[1]);
+    return entry == values.end() ? zyl::build_frame({"error", "no_property", request[1]})
+                                 : zyl::build_frame({"get_response", request[1], entry->second});
+  };
+}
+
+std::vector<fake_property_service_t::request_t> fake_property_service_t::requests() const {
+  const std::lock_guard lock(mutex);
+  return heard;
+}
+
+void fake_property_service_t::forget_requests() {
+  const std::lock_guard lock(mutex);
+  heard.clear();
+}
+
+bool fake_property_service_t::hears(const request_t& request) const {
+  return wait_for([&] { return std::find(heard.begin(), heard.end(), request) != heard.end(); });
+}
+
+bool fake_property_service_t::hears_count(std::size_t count) const {
+  return wait_for([&] { return heard.size() >= count; });
+}
+
+void fake_property_service_t::send_bytes(std::string_view bytes) {
+  wait_for([this] { return !clients.empty(); });
+  const std::lock_guard lock(mutex);
+  for (const client_t& client : clients) {
+    send_all(client.fd, bytes);
+  }
+}
+
+void fake_property_service_t::close_clients() {
+  const std::lock_guard lock(mutex);
+  for (const client_t& client : clients) {
+    // The server thread may be in poll, which would keep a merely closed connection up.
+    ::shutdown(client.fd, SHUT_RDWR);
+    ::close(client.fd);
+  }
+  clients.clear();
+  wake();
+}
+
+void fake_property_service_t::end_sending() {
+  const std::lock_guard lock(mutex);
+  for (const client_t& client : clients) {
+    ::shutdown(client.fd, SHUT_WR);
+  }
+}
+
+void fake_property_service_t::wake() const { ::eventfd_write(wake_fd, 1); }
+
+bool fake_property_service_t::wait_for(const std::function<bool()>& condition) const {
+  std::unique_lock lock(mutex);
+  return changed.wait_for(lock, std::chrono::seconds(20), condition);
+}
+
+// The descriptors are served only under the lock, and those that the test closed are no longer in the list then.
+void fake_property_service_t::serve() {
+  for (;;) {
+    std::vector<pollfd> watched{{wake_fd, POLLIN, 0}, {listener, POLLIN, 0}};
+    {
+      const std::lock_guard lock(mutex);
+      for (const client_t& client : clients) {
+        watched.push_back({client.fd, POLLIN, 0});
+      }
+    }
+    ::poll(watched.data(), watched.size(), -1);
+    const std::lock_guard lock(mutex);
+    if (stopping) {
+      return;
+    }
+    if (watched[0].revents != 0) {
+      eventfd_t count = 0;
+      ::eventfd_read(wake_fd, &count);
+    }
+    if (watched[1].revents != 0) {
+      accept_client();
+    }
+    std::erase_if(clients, [this](client_t& client) { return !serve_client(client); });
+    changed.notify_all();
+  }
+}
+
+void fake_property_service_t::accept_client() {
+  clients.push_back({::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC), accepted, {}});
+  ++accepted;
+}
+
+bool fake_property_service_t::serve_client(client_t& client) {
+  std::array<char, 4096> chunk{};
+  const ssize_t count = ::recv(client.fd, chunk.data(), chunk.size(), MSG_DONTWAIT);
+  if (count == 0 || (count < 0 && errno != EAGAIN)) {
+    ::close(client.fd);
+    return false;
+  }
+  if (count > 0) {
+    client.received.append({chunk.data(), static_cast<std::size_t>(count)});
+  }
+  client.received.resynchronise();
+  while (auto request = client.received.take_frame()) {
+    send_all(client.fd, answer(*request, client.number));
+    heard.push_back(std::move(*request));
+    client.received.resynchronise();
+  }
+  return true;
+}
+
+}  // namespace test_support
