@@ -1,0 +1,43 @@
+#pragma once
+
+#include <vector>
+
+#include "edid_lib/edid_block.h"
+#include "edid_lib/vid_resolution.h"
+
+namespace edid_lib {
+
+/// Detailed timings (E-EDID 1.4, section 3.10.2), in the base block and at the end of the CTA extension. Entries of 18
+/// bytes:
+///
+///     0    pixel clock in 10 kHz, 16 bits; 0: no timing
+///     2    horizontal active, blanking; 4: their upper nibbles
+///     5    vertical active, blanking; 7: their upper nibbles
+///     8    horizontal sync offset, pulse width; 10: vertical sync offset, pulse width, a nibble each;
+///     11   the upper two bits of these four
+///     12   image width, height in mm; 14: their upper nibbles
+///     15   horizontal border, vertical border
+///     17   bit 7 interlaced, bit 2 positive vertical sync, bit 1 positive horizontal sync
+class det_timings_block_t final : public edid_block_t {
+ public:
+  static constexpr std::size_t entry_size = 18;
+
+  /// `block_offset` is the position in the block around it. The bytes are cut, or padded with 1, to `entries` entries.
+  det_timings_block_t(std::span<const uint8_t> block_bytes, uint32_t block_offset, uint32_t entries);
+
+  std::string_view name() const override { return "Detailed Timings"; }
+  void accept(visitor_t* visitor, bool forward) override;
+
+  uint32_t offset() const { return position; }
+  uint32_t capacity() const { return room; }
+
+  /// The modes of the entries that are timings, in their order. Entries without clock or sync pulse, or smaller than 64
+  /// by 64, are not.
+  std::vector<vid_resolution_t> modes() const;
+
+ private:
+  uint32_t position;
+  uint32_t room;
+};
+
+}  // namespace edid_lib

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace edid_lib {
+
+class visitor_t;
+
+/// A part of an EDID: owns a copy of its bytes and reads them through typed accessors. No locks: one thread at a time.
+class edid_block_t {
+ public:
+  virtual ~edid_block_t() = default;
+
+  /// Number of bytes.
+  virtual std::size_t size() const { return data.size(); }
+
+  virtual bool valid() const { return true; }
+
+  /// What the block is, for people.
+  virtual std::string_view name() const = 0;
+
+  /// Shows the block and its parts to `visitor`, top down on the forward pass and bottom up on the backward pass. Does
+  /// nothing without a visitor.
+  virtual void accept(visitor_t* visitor, bool forward) = 0;
+
+  std::span<const uint8_t> bytes() const { return data; }
+
+  /// The byte at `index`; 0 beyond the end.
+  uint8_t byte(uint8_t index) const { return index < data.size() ? data[index] : uint8_t{0}; }
+
+  /// Whether a bit of `mask` is set in the byte at `index`; false beyond the end.
+  bool has_mask(uint8_t index, uint8_t mask) const { return (byte(index) & mask) != 0; }
+
+ protected:
+  edid_block_t() = default;
+  explicit edid_block_t(std::span<const uint8_t> block_bytes) : data(block_bytes.begin(), block_bytes.end()) {}
+  edid_block_t(const edid_block_t&) = default;
+  edid_block_t& operator=(const edid_block_t&) = default;
+  edid_block_t(edid_block_t&&) = default;
+  edid_block_t& operator=(edid_block_t&&) = default;
+
+  /// Change the byte at `index`; nothing beyond the end.
+  void set_byte(uint8_t index, uint8_t value);
+  void and_mask(uint8_t index, uint8_t mask) { set_byte(index, static_cast<uint8_t>(byte(index) & mask)); }
+  void or_mask(uint8_t index, uint8_t mask) { set_byte(index, static_cast<uint8_t>(byte(index) | mask)); }
+
+  std::vector<uint8_t> data;
+};
+
+/// An extension block of an EDID: 128 bytes of which the first is the tag.
+class extension_block_t : public edid_block_t {
+ public:
+  using edid_block_t::edid_block_t;
+
+  virtual uint8_t tag() const = 0;
+  bool valid() const override { return !data.empty() && data.front() == tag(); }
+};
+
+}  // namespace edid_lib

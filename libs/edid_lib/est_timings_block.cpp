@@ -1,0 +1,54 @@
+#include "edid_lib/est_timings_block.h"
+
+#include "edid_lib/timing_tables.h"
+#include "edid_lib/visitor.h"
+
+namespace edid_lib {
+namespace {
+
+constexpr std::size_t block_size = 3;
+constexpr uint32_t index_in_third_byte = 16;
+constexpr uint8_t mask_in_third_byte = 0x80;
+
+}  // namespace
+
+est_timings_block_t::est_timings_block_t(std::span<const uint8_t> block_bytes) : edid_block_t(block_bytes) {
+  data.resize(block_size, 0);
+}
+
+bool est_timings_block_t::valid() const {
+  static const vid_resolution_t required("640x480@60");
+  return contains(required);
+}
+
+void est_timings_block_t::accept(visitor_t* visitor, bool forward) {
+  if (visitor != nullptr) {
+    visitor->visit(this, forward);
+  }
+}
+
+bool est_timings_block_t::has_index(uint32_t index) const {
+  if (index == index_in_third_byte) {
+    return has_mask(2, mask_in_third_byte);
+  }
+  return has_mask(static_cast<uint8_t>(index / 8), static_cast<uint8_t>(1U << index % 8));
+}
+
+bool est_timings_block_t::contains(const vid_resolution_t& mode) const {
+  const timing_row_t* row = established_timings().find(mode);
+  return row != nullptr && has_index(row->number);
+}
+
+std::vector<vid_resolution_t> est_timings_block_t::modes() const {
+  std::vector<vid_resolution_t> found;
+  for (const timing_row_t* row : established_timings().by_key()) {
+    if (has_index(row->number)) {
+      vid_resolution_t& mode = found.emplace_back(row->timing);
+      mode.type = timing_type_t::established;
+      mode.location = timing_location_t::established_block;
+    }
+  }
+  return found;
+}
+
+}  // namespace edid_lib

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <vector>
+
+#include "edid_lib/edid_block.h"
+#include "edid_lib/vid_resolution.h"
+
+namespace edid_lib {
+
+/// Bytes 38 to 53 of the base block (E-EDID 1.4, section 3.9): eight codes of two bytes. The first is width / 8 - 31;
+/// the second has the picture's shape in bits 6 and 7 (0 square before revision 3 and 16:10 from then on, 1 4:3, 2 5:4,
+/// 3 16:9) and the rate - 60 below. A code of twice 0x00, 0x01 or 0x20 is unused.
+class std_timings_block_t final : public edid_block_t {
+ public:
+  /// Always 16 bytes: short input is padded with 1, longer input cut.
+  explicit std_timings_block_t(std::span<const uint8_t> block_bytes);
+
+  std::string_view name() const override { return "Standard Timings"; }
+  void accept(visitor_t* visitor, bool forward) override;
+
+  /// Number of codes in use.
+  std::size_t count() const;
+
+  /// The modes of the codes in use, in their order. Codes that mean no DMT mode are left out. With `reduced_first` the
+  /// form with reduced blanking is preferred where DMT has one.
+  std::vector<vid_resolution_t> modes(uint32_t revision, bool reduced_first) const;
+};
+
+}  // namespace edid_lib
