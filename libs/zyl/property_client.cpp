@@ -13,11 +13,11 @@
 
 #include "zyl/log/module_logger.h"
 
-static auto& module_log = zyl::module_logger("lin_property");
-#include "zyl/log/log_bind.h"
-
 namespace zyl {
 namespace {
+
+// Failures are told by results alone. The logger exists for its entry in the level file.
+[[maybe_unused]] const auto& module_log = module_logger("lin_property");
 
 constexpr int send_timeout_ms = 1000;
 constexpr std::size_t chunk_size = 128;
@@ -44,7 +44,6 @@ bool property_client_t::connect() {
   if (socket.fd >= 0 && connect_to(socket.fd, socket.path)) {
     return true;
   }
-  log_debug_s() << "connect " << socket.path << " errno=" << errno;
   disconnect();
   return false;
 }
