@@ -9,17 +9,17 @@
 
 namespace lnx {
 
-/// What udev tells about a device, as text; empty where it tells nothing.
+/// What udev tells about a device, as text; empty where it tells nothing. Made by naming the fields that matter.
 struct udev_device_fields_t {
-  std::string devpath;
-  std::string subsystem;
-  std::string devtype;
-  std::string syspath;
-  std::string sysname;
-  std::string sysnum;
-  std::string devnode;
-  std::map<std::string, std::string> properties;
-  std::vector<std::string> tags;
+  std::string devpath = {};
+  std::string subsystem = {};
+  std::string devtype = {};
+  std::string syspath = {};
+  std::string sysname = {};
+  std::string sysnum = {};
+  std::string devnode = {};
+  std::map<std::string, std::string> properties = {};
+  std::vector<std::string> tags = {};
 };
 
 /// A snapshot of one device, taken when it is constructed. A value: copies share nothing but the device handle.
