@@ -1,0 +1,41 @@
+#include "zyl/dev_options.h"
+
+#include <functional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "zyl/mutex.h"
+
+namespace zyl::dev_options {
+namespace {
+
+using words_t = std::set<std::string, std::less<>>;
+
+mutex_t mutex;
+words_t words ZYL_GUARDED_BY(mutex);
+
+words_t split(std::string_view text) {
+  words_t found;
+  while (!text.empty()) {
+    const std::string_view word = text.substr(0, text.find(' '));
+    found.emplace(word);
+    text.remove_prefix(word.size() < text.size() ? word.size() + 1 : word.size());
+  }
+  return found;
+}
+
+}  // namespace
+
+void set(std::string_view text) {
+  words_t next = split(text);
+  const lock_t lock(mutex);
+  words = std::move(next);
+}
+
+bool contains(std::string_view word) {
+  const lock_t lock(mutex);
+  return words.find(word) != words.end();
+}
+
+}  // namespace zyl::dev_options
