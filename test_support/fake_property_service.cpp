@@ -15,10 +15,10 @@
 #include <cstring>
 #include <utility>
 
+#include "zyl/property_client.h"
+
 namespace test_support {
 namespace {
-
-constexpr const char* service_path = "/tmp/.tarn_property_ipc";
 
 int listen_at(const char* path) {
   sockaddr_un address{};
@@ -45,7 +45,9 @@ void send_all(int fd, std::string_view bytes) {
 }  // namespace
 
 fake_property_service_t::fake_property_service_t(answer_t given_answer)
-    : answer(std::move(given_answer)), listener(listen_at(service_path)), wake_fd(::eventfd(0, EFD_CLOEXEC)) {
+    : answer(std::move(given_answer)),
+      listener(listen_at(zyl::property_service_path)),
+      wake_fd(::eventfd(0, EFD_CLOEXEC)) {
   server = std::thread([this] { serve(); });
 }
 
@@ -59,7 +61,7 @@ fake_property_service_t::~fake_property_service_t() {
   close_clients();
   ::close(listener);
   ::close(wake_fd);
-  ::unlink(service_path);
+  ::unlink(zyl::property_service_path);
 }
 
 std::string fake_property_service_t::nothing(const request_t& /*request*/, int /*client*/) { return {}; }

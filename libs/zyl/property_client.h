@@ -7,6 +7,9 @@
 
 namespace zyl {
 
+/// Where the property service listens.
+inline constexpr const char* property_service_path = "/tmp/.tarn_property_ipc";
+
 /// What a client of the property bus can do. The bus is a service of the appliance that keeps text values under paths.
 ///
 /// Each call sends one frame and returns whether all of its bytes went out; see `property_client_t`.
@@ -89,7 +92,7 @@ class property_client_t : public property_client_intf_t {
 
  private:
   struct client_socket_t {
-    std::string path = "/tmp/.tarn_property_ipc";
+    std::string path = property_service_path;
     int32_t fd = -1;
   };
 
