@@ -1,0 +1,241 @@
+#include "sim/device_node.h"
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <umockdev.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "zyl/exceptions.h"
+#include "zyl/mutex.h"
+
+namespace sim {
+namespace {
+
+struct unref_t {
+  void operator()(gpointer object) const { g_object_unref(object); }
+};
+using ioctl_data_t = std::unique_ptr<UMockdevIoctlData, unref_t>;
+using ioctl_base_t = std::unique_ptr<UMockdevIoctlBase, unref_t>;
+
+/// Throws with the emulation library's own words when a call of it has failed.
+class glib_error_t {
+ public:
+  ~glib_error_t() { g_clear_error(&error); }
+  GError** out() { return &error; }
+  void check(const std::string& what) const {
+    if (error != nullptr) {
+      throw zyl::exception_t(what + ": " + error->message);
+    }
+  }
+
+ private:
+  GError* error = nullptr;
+};
+
+ioctl_data_t resolve(UMockdevIoctlData* data, size_t offset, size_t size) {
+  glib_error_t ignored;  // a null result tells it all: the address is not the client's
+  return ioctl_data_t(umockdev_ioctl_data_resolve(data, offset, size, ignored.out()));
+}
+
+void update(UMockdevIoctlData* data, std::span<const uint8_t> bytes) {
+  // The library takes a pointer to mutable bytes and only reads them.
+  std::vector<uint8_t> copy(bytes.begin(), bytes.end());
+  umockdev_ioctl_data_update(data, 0, copy.data(), static_cast<gint>(copy.size()));
+}
+
+}  // namespace
+
+/// What the loop's thread and the testbed's thread have in common.
+struct device_node_t::shared_t {
+  explicit shared_t(device_calls_t device) : calls(std::move(device)) {}
+  ~shared_t() { ::close(feeder); }
+
+  shared_t(const shared_t&) = delete;
+  shared_t& operator=(const shared_t&) = delete;
+  shared_t(shared_t&&) = delete;
+  shared_t& operator=(shared_t&&) = delete;
+
+  zyl::mutex_t mutex;
+  bool gone ZYL_GUARDED_BY(mutex) = false;
+  int clients ZYL_GUARDED_BY(mutex) = 0;
+  device_calls_t calls ZYL_GUARDED_BY(mutex);
+  int feeder = -1;
+
+  int answer(UMockdevIoctlClient* client);
+  int answer_record(uint32_t request, UMockdevIoctlData* record);
+  void count_clients(int change);
+  void drain() const;
+};
+
+int device_node_t::shared_t::answer_record(uint32_t request, UMockdevIoctlData* record) {
+  std::vector<uint8_t> bytes(record->data, record->data + record->data_len);
+  std::vector<ioctl_data_t> written;  // kept until the answer has gone out
+  const client_writer_t write = [&](size_t pointer_offset, std::span<const uint8_t> target) {
+    written.push_back(resolve(record, pointer_offset, target.size()));
+    if (written.back() == nullptr) {
+      return false;
+    }
+    update(written.back().get(), target);
+    return true;
+  };
+  const zyl::lock_t lock(mutex);
+  const int error = gone ? ENODEV : calls.request(request, bytes, write);
+  if (error == 0) {
+    update(record, bytes);
+  }
+  return error;
+}
+
+int device_node_t::shared_t::answer(UMockdevIoctlClient* client) {
+  const auto request = static_cast<uint32_t>(umockdev_ioctl_client_get_request(client));
+  const ioctl_data_t record = resolve(umockdev_ioctl_client_get_arg(client), 0, _IOC_SIZE(request));
+  return record != nullptr ? answer_record(request, record.get()) : EFAULT;
+}
+
+void device_node_t::shared_t::count_clients(int change) {
+  const zyl::lock_t lock(mutex);
+  const int before = clients;
+  clients += change;
+  if (clients == 0) {
+    drain();
+  }
+  if (!gone && (before == 0) != (clients == 0)) {
+    calls.opened(clients != 0);
+  }
+}
+
+void device_node_t::shared_t::drain() const {
+  std::array<uint8_t, 4096> dropped{};
+  while (::read(feeder, dropped.data(), dropped.size()) > 0) {
+  }
+}
+
+namespace {
+
+template <typename Shared>
+Shared& shared_of(gpointer pointer) {
+  return **static_cast<std::shared_ptr<Shared>*>(pointer);
+}
+
+/// The callbacks of the emulation library, all on the testbed's thread.
+template <typename Shared>
+struct callbacks_t {
+  static gboolean on_ioctl(UMockdevIoctlBase* /*handler*/, UMockdevIoctlClient* client, gpointer shared) {
+    const int error = shared_of<Shared>(shared).answer(client);
+    umockdev_ioctl_client_complete(client, error == 0 ? 0 : -1, error);
+    return TRUE;
+  }
+
+  static gboolean on_read(UMockdevIoctlBase* /*handler*/, UMockdevIoctlClient* client, gpointer shared) {
+    Shared& device = shared_of<Shared>(shared);
+    const zyl::lock_t lock(device.mutex);
+    if (!device.gone) {
+      return FALSE;  // the FIFO answers
+    }
+    umockdev_ioctl_client_complete(client, -1, ENODEV);
+    return TRUE;
+  }
+
+  // The library has a signal "client-vanished" as well but, as of 0.17, never raises it.
+  static void on_connected(UMockdevIoctlBase* /*handler*/, UMockdevIoctlClient* client, gpointer shared) {
+    shared_of<Shared>(shared).count_clients(1);
+    auto kept = std::make_unique<std::shared_ptr<Shared>>(*static_cast<std::shared_ptr<Shared>*>(shared));
+    g_object_weak_ref(G_OBJECT(client), on_vanished, kept.release());
+  }
+
+  static void on_vanished(gpointer shared, GObject* /*client*/) {
+    const std::unique_ptr<std::shared_ptr<Shared>> last(static_cast<std::shared_ptr<Shared>*>(shared));
+    (*last)->count_clients(-1);
+  }
+
+  static void release(gpointer shared, GClosure* /*closure*/) {
+    const std::unique_ptr<std::shared_ptr<Shared>> last(static_cast<std::shared_ptr<Shared>*>(shared));
+  }
+
+  static void connect(UMockdevIoctlBase* handler, const char* signal, GCallback callback,
+                      const std::shared_ptr<Shared>& shared) {
+    auto kept = std::make_unique<std::shared_ptr<Shared>>(shared);
+    g_signal_connect_data(handler, signal, callback, kept.release(), release, GConnectFlags{});
+  }
+};
+
+}  // namespace
+
+device_node_t::device_node_t(testbed_t& testbed, const std::string& subsystem, const std::string& sysname,
+                             device_calls_t calls)
+    : bed(testbed),
+      node("/dev/" + sysname),
+      sys_path("/sys/devices/platform/" + sysname),
+      shared(std::make_shared<shared_t>(std::move(calls))) {
+  make_fifo();
+  attach();
+  announce(subsystem, sysname);
+}
+
+device_node_t::~device_node_t() {
+  {
+    const zyl::lock_t lock(shared->mutex);
+    shared->gone = true;
+    shared->calls = {};
+  }
+  // Wakes the reader, whose read then fails.
+  const char wake = 0;
+  static_cast<void>(::write(shared->feeder, &wake, 1));
+  umockdev_testbed_uevent(bed.handle(), sys_path.c_str(), "remove");
+  umockdev_testbed_remove_device(bed.handle(), sys_path.c_str());
+  ::unlink((bed.root() + node).c_str());
+}
+
+// The feeding end is open for reading too, so that it opens at once and never breaks; O_DIRECT makes every write a
+// packet, so that a read gives one record, and it can only be set on the open descriptor.
+void device_node_t::make_fifo() {
+  constexpr int queued_bytes = 1 << 20;
+  const std::string path = bed.root() + node;
+  ::mkdir((bed.root() + "/dev").c_str(), 0755);
+  if (::mkfifo(path.c_str(), 0666) != 0) {
+    throw zyl::exception_t(path + ": " + std::strerror(errno));
+  }
+  shared->feeder = ::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+  if (shared->feeder < 0 || ::fcntl(shared->feeder, F_SETFL, O_NONBLOCK | O_DIRECT) != 0) {
+    throw zyl::exception_t(path + ": " + std::strerror(errno));
+  }
+  ::fcntl(shared->feeder, F_SETPIPE_SZ, queued_bytes);
+}
+
+void device_node_t::attach() {
+  using callbacks = callbacks_t<shared_t>;
+  const ioctl_base_t handler(umockdev_ioctl_base_new());
+  callbacks::connect(handler.get(), "handle-ioctl", G_CALLBACK(callbacks::on_ioctl), shared);
+  callbacks::connect(handler.get(), "handle-read", G_CALLBACK(callbacks::on_read), shared);
+  callbacks::connect(handler.get(), "client-connected", G_CALLBACK(callbacks::on_connected), shared);
+  glib_error_t error;
+  umockdev_testbed_attach_ioctl(bed.handle(), node.c_str(), handler.get(), error.out());
+  error.check("no requests on " + node);
+}
+
+// Last, because it sends "add", and whoever hears that opens the node. No "N:" line: it would make a node of its own.
+void device_node_t::announce(const std::string& subsystem, const std::string& sysname) {
+  const std::string description = "P: /devices/platform/" + sysname + "\nE: SUBSYSTEM=" + subsystem +
+                                  "\nE: DEVNAME=" + node + "\nE: MAJOR=10\nE: MINOR=60\nA: dev=10:60\n";
+  glib_error_t error;
+  umockdev_testbed_add_from_string(bed.handle(), description.c_str(), error.out());
+  error.check("no device " + sysname);
+}
+
+void device_node_t::feed(std::span<const uint8_t> record) {
+  const zyl::lock_t lock(shared->mutex);
+  if (shared->clients > 0) {
+    static_cast<void>(::write(shared->feeder, record.data(), record.size()));
+  }
+}
+
+}  // namespace sim

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "sim/testbed.h"
+
+namespace sim {
+
+/// Writes bytes into the client's memory, at the address that stands `pointer_offset` bytes into the request's record.
+/// False when the client has no such memory.
+using client_writer_t = std::function<bool(size_t pointer_offset, std::span<const uint8_t> bytes)>;
+
+/// What a device does, called on the thread of the testbed, one call at a time, never after `~device_node_t`.
+struct device_calls_t {
+  /// Answers a request: 0, or the errno it fails with. `record` is the client's, and goes back to it on success.
+  std::function<int(uint32_t request, std::span<uint8_t> record, const client_writer_t& write)> request;
+  /// The first client has opened the node, or the last one has closed it.
+  std::function<void(bool open)> opened;
+};
+
+/// A character device in a testbed: its node, its place in sysfs, its uevents. It exists from construction, which
+/// sends "add", to destruction, which sends "remove"; who then still has the node open gets ENODEV, as from a device
+/// that was pulled out. Made, used and destroyed on one thread.
+class device_node_t {
+ public:
+  /// The node is "/dev/<sysname>". Throws `zyl::exception_t` when the testbed refuses it.
+  device_node_t(testbed_t& testbed, const std::string& subsystem, const std::string& sysname, device_calls_t calls);
+  ~device_node_t();
+
+  device_node_t(const device_node_t&) = delete;
+  device_node_t& operator=(const device_node_t&) = delete;
+  device_node_t(device_node_t&&) = delete;
+  device_node_t& operator=(device_node_t&&) = delete;
+
+  /// Gives one record to whoever reads the node. Dropped while nobody has it open or the reader is far behind, as a
+  /// driver does.
+  void feed(std::span<const uint8_t> record);
+
+  const std::string& syspath() const { return sys_path; }
+
+ private:
+  struct shared_t;
+
+  void make_fifo();
+  void attach();
+  void announce(const std::string& subsystem, const std::string& sysname);
+
+  testbed_t& bed;
+  std::string node;
+  std::string sys_path;
+  /// Outlives this object as long as the emulation library may call back.
+  std::shared_ptr<shared_t> shared;
+};
+
+}  // namespace sim
