@@ -10,10 +10,12 @@
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <utility>
 #include <vector>
 
+#include "sim/descriptor.h"
 #include "zyl/exceptions.h"
 #include "zyl/mutex.h"
 
@@ -52,12 +54,29 @@ void update(UMockdevIoctlData* data, std::span<const uint8_t> bytes) {
   umockdev_ioctl_data_update(data, 0, copy.data(), static_cast<gint>(copy.size()));
 }
 
+// The feeding end is open for reading too, so that it opens at once and never breaks; O_DIRECT makes every write a
+// packet, so that a read gives one record, and it can only be set on the open descriptor.
+descriptor_t make_fifo(const std::string& path) {
+  constexpr int queued_bytes = 1 << 20;
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+  if (::mkfifo(path.c_str(), 0666) != 0) {
+    throw zyl::exception_t(path + ": " + std::strerror(errno));
+  }
+  descriptor_t feeder(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
+  if (!feeder || ::fcntl(feeder.get(), F_SETFL, O_NONBLOCK | O_DIRECT) != 0) {
+    throw zyl::exception_t(path + ": " + std::strerror(errno));
+  }
+  ::fcntl(feeder.get(), F_SETPIPE_SZ, queued_bytes);
+  return feeder;
+}
+
 }  // namespace
 
 /// What the loop's thread and the testbed's thread have in common.
 struct device_node_t::shared_t {
-  explicit shared_t(device_calls_t device) : calls(std::move(device)) {}
-  ~shared_t() { ::close(feeder); }
+  shared_t() = default;
+  /// Ends behind the last callback, also in the eyes of the thread sanitizer, which does not see GLib join its thread.
+  ~shared_t() { const zyl::lock_t last(mutex); }
 
   shared_t(const shared_t&) = delete;
   shared_t& operator=(const shared_t&) = delete;
@@ -65,15 +84,16 @@ struct device_node_t::shared_t {
   shared_t& operator=(shared_t&&) = delete;
 
   zyl::mutex_t mutex;
-  bool gone ZYL_GUARDED_BY(mutex) = false;
+  bool gone ZYL_GUARDED_BY(mutex) = true;
   int clients ZYL_GUARDED_BY(mutex) = 0;
   device_calls_t calls ZYL_GUARDED_BY(mutex);
-  int feeder = -1;
+  descriptor_t feeder ZYL_GUARDED_BY(mutex);
 
   int answer(UMockdevIoctlClient* client);
   int answer_record(uint32_t request, UMockdevIoctlData* record);
   void count_clients(int change);
-  void drain() const;
+  bool is_gone();
+  void drain() ZYL_REQUIRES(mutex);
 };
 
 int device_node_t::shared_t::answer_record(uint32_t request, UMockdevIoctlData* record) {
@@ -113,32 +133,41 @@ void device_node_t::shared_t::count_clients(int change) {
   }
 }
 
-void device_node_t::shared_t::drain() const {
+bool device_node_t::shared_t::is_gone() {
+  const zyl::lock_t lock(mutex);
+  return gone;
+}
+
+void device_node_t::shared_t::drain() {
   std::array<uint8_t, 4096> dropped{};
-  while (::read(feeder, dropped.data(), dropped.size()) > 0) {
+  while (::read(feeder.get(), dropped.data(), dropped.size()) > 0) {
   }
 }
 
-namespace {
+/// The callbacks of the emulation library, all on the testbed's thread. What they are handed lives as long as that.
+struct device_node_t::callbacks_t {
+  /// What the library was handed. It passes it on under locks of GLib that the thread sanitizer cannot see, so the
+  /// order is also made here.
+  static gpointer hand_over(shared_t* shared) {
+    handed_over.store(true, std::memory_order_release);
+    return shared;
+  }
 
-template <typename Shared>
-Shared& shared_of(gpointer pointer) {
-  return **static_cast<std::shared_ptr<Shared>*>(pointer);
-}
+  static shared_t* handed(gpointer shared) {
+    static_cast<void>(handed_over.load(std::memory_order_acquire));
+    return static_cast<shared_t*>(shared);
+  }
 
-/// The callbacks of the emulation library, all on the testbed's thread.
-template <typename Shared>
-struct callbacks_t {
+  inline static std::atomic<bool> handed_over = false;
+
   static gboolean on_ioctl(UMockdevIoctlBase* /*handler*/, UMockdevIoctlClient* client, gpointer shared) {
-    const int error = shared_of<Shared>(shared).answer(client);
+    const int error = handed(shared)->answer(client);
     umockdev_ioctl_client_complete(client, error == 0 ? 0 : -1, error);
     return TRUE;
   }
 
   static gboolean on_read(UMockdevIoctlBase* /*handler*/, UMockdevIoctlClient* client, gpointer shared) {
-    Shared& device = shared_of<Shared>(shared);
-    const zyl::lock_t lock(device.mutex);
-    if (!device.gone) {
+    if (!handed(shared)->is_gone()) {
       return FALSE;  // the FIFO answers
     }
     umockdev_ioctl_client_complete(client, -1, ENODEV);
@@ -147,36 +176,26 @@ struct callbacks_t {
 
   // The library has a signal "client-vanished" as well but, as of 0.17, never raises it.
   static void on_connected(UMockdevIoctlBase* /*handler*/, UMockdevIoctlClient* client, gpointer shared) {
-    shared_of<Shared>(shared).count_clients(1);
-    auto kept = std::make_unique<std::shared_ptr<Shared>>(*static_cast<std::shared_ptr<Shared>*>(shared));
-    g_object_weak_ref(G_OBJECT(client), on_vanished, kept.release());
+    handed(shared)->count_clients(1);
+    g_object_weak_ref(G_OBJECT(client), on_vanished, shared);
   }
 
-  static void on_vanished(gpointer shared, GObject* /*client*/) {
-    const std::unique_ptr<std::shared_ptr<Shared>> last(static_cast<std::shared_ptr<Shared>*>(shared));
-    (*last)->count_clients(-1);
-  }
-
-  static void release(gpointer shared, GClosure* /*closure*/) {
-    const std::unique_ptr<std::shared_ptr<Shared>> last(static_cast<std::shared_ptr<Shared>*>(shared));
-  }
-
-  static void connect(UMockdevIoctlBase* handler, const char* signal, GCallback callback,
-                      const std::shared_ptr<Shared>& shared) {
-    auto kept = std::make_unique<std::shared_ptr<Shared>>(shared);
-    g_signal_connect_data(handler, signal, callback, kept.release(), release, GConnectFlags{});
-  }
+  static void on_vanished(gpointer shared, GObject* /*client*/) { handed(shared)->count_clients(-1); }
 };
-
-}  // namespace
 
 device_node_t::device_node_t(testbed_t& testbed, const std::string& subsystem, const std::string& sysname,
                              device_calls_t calls)
     : bed(testbed),
       node("/dev/" + sysname),
       sys_path("/sys/devices/platform/" + sysname),
-      shared(std::make_shared<shared_t>(std::move(calls))) {
-  make_fifo();
+      shared(std::make_shared<shared_t>()) {
+  bed.keep(shared);
+  {
+    const zyl::lock_t lock(shared->mutex);
+    shared->feeder = make_fifo(bed.root() + node);
+    shared->calls = std::move(calls);
+    shared->gone = false;
+  }
   attach();
   announce(subsystem, sysname);
 }
@@ -186,37 +205,21 @@ device_node_t::~device_node_t() {
     const zyl::lock_t lock(shared->mutex);
     shared->gone = true;
     shared->calls = {};
+    // Wakes the reader, whose read then fails.
+    const char wake = 0;
+    static_cast<void>(::write(shared->feeder.get(), &wake, 1));
   }
-  // Wakes the reader, whose read then fails.
-  const char wake = 0;
-  static_cast<void>(::write(shared->feeder, &wake, 1));
   umockdev_testbed_uevent(bed.handle(), sys_path.c_str(), "remove");
   umockdev_testbed_remove_device(bed.handle(), sys_path.c_str());
   ::unlink((bed.root() + node).c_str());
 }
 
-// The feeding end is open for reading too, so that it opens at once and never breaks; O_DIRECT makes every write a
-// packet, so that a read gives one record, and it can only be set on the open descriptor.
-void device_node_t::make_fifo() {
-  constexpr int queued_bytes = 1 << 20;
-  const std::string path = bed.root() + node;
-  ::mkdir((bed.root() + "/dev").c_str(), 0755);
-  if (::mkfifo(path.c_str(), 0666) != 0) {
-    throw zyl::exception_t(path + ": " + std::strerror(errno));
-  }
-  shared->feeder = ::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
-  if (shared->feeder < 0 || ::fcntl(shared->feeder, F_SETFL, O_NONBLOCK | O_DIRECT) != 0) {
-    throw zyl::exception_t(path + ": " + std::strerror(errno));
-  }
-  ::fcntl(shared->feeder, F_SETPIPE_SZ, queued_bytes);
-}
-
 void device_node_t::attach() {
-  using callbacks = callbacks_t<shared_t>;
   const ioctl_base_t handler(umockdev_ioctl_base_new());
-  callbacks::connect(handler.get(), "handle-ioctl", G_CALLBACK(callbacks::on_ioctl), shared);
-  callbacks::connect(handler.get(), "handle-read", G_CALLBACK(callbacks::on_read), shared);
-  callbacks::connect(handler.get(), "client-connected", G_CALLBACK(callbacks::on_connected), shared);
+  const gpointer referred = callbacks_t::hand_over(shared.get());
+  g_signal_connect(handler.get(), "handle-ioctl", G_CALLBACK(callbacks_t::on_ioctl), referred);
+  g_signal_connect(handler.get(), "handle-read", G_CALLBACK(callbacks_t::on_read), referred);
+  g_signal_connect(handler.get(), "client-connected", G_CALLBACK(callbacks_t::on_connected), referred);
   glib_error_t error;
   umockdev_testbed_attach_ioctl(bed.handle(), node.c_str(), handler.get(), error.out());
   error.check("no requests on " + node);
@@ -234,7 +237,7 @@ void device_node_t::announce(const std::string& subsystem, const std::string& sy
 void device_node_t::feed(std::span<const uint8_t> record) {
   const zyl::lock_t lock(shared->mutex);
   if (shared->clients > 0) {
-    static_cast<void>(::write(shared->feeder, record.data(), record.size()));
+    static_cast<void>(::write(shared->feeder.get(), record.data(), record.size()));
   }
 }
 

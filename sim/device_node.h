@@ -45,15 +45,15 @@ class device_node_t {
 
  private:
   struct shared_t;
+  struct callbacks_t;
 
-  void make_fifo();
   void attach();
   void announce(const std::string& subsystem, const std::string& sysname);
 
   testbed_t& bed;
   std::string node;
   std::string sys_path;
-  /// Outlives this object as long as the emulation library may call back.
+  /// The testbed keeps it as long as it may call back.
   std::shared_ptr<shared_t> shared;
 };
 

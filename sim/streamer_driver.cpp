@@ -26,14 +26,14 @@ const char* event_word(vgn::link_event_e type) {
 }  // namespace
 
 streamer_driver_t::streamer_driver_t(event_base* loop, testbed_t& bed, property_tree_t& properties, story_t& told,
-                                     const streamer_shape_t& shape)
+                                     size_t hdmi_output_count)
     : base(loop),
       testbed(bed),
       tree(properties),
       story(told),
-      model(shape),
+      model(hdmi_output_count),
       alive(std::make_shared<streamer_driver_t*>(this)) {
-  for (size_t n = 0; n < shape.hdmi_outputs; ++n) {
+  for (size_t n = 0; n < hdmi_output_count; ++n) {
     tree.publish(hdmi_path(n, "edid"), "");
     tree.on_set(hdmi_path(n, "edid"), [this, n](const std::string& path) { plug_file(n, path); });
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -39,7 +40,7 @@ class streamer_driver_t {
  public:
   /// All arguments by reference must outlive this object and the last turn of the loop.
   streamer_driver_t(event_base* base, testbed_t& testbed, property_tree_t& properties, story_t& story,
-                    const streamer_shape_t& shape);
+                    size_t hdmi_output_count);
   ~streamer_driver_t();
 
   streamer_driver_t(const streamer_driver_t&) = delete;

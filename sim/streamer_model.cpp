@@ -15,6 +15,7 @@ constexpr uint32_t v4l2_capture_id = 25;
 
 // Two pictures can be injected whatever the number of connectors: the video engine has two raw outputs.
 constexpr uint32_t inject_count = 2;
+constexpr uint32_t hdmi_input_count = 2;
 constexpr uint32_t decoder_count = 2;
 
 vgn::resource_record_t resource(uint32_t id, const std::string& name, uint32_t kind, uint32_t hw) {
@@ -33,12 +34,12 @@ streamer_output_t output(uint32_t id, const std::string& name, vgn::output_kind_
   return made;
 }
 
-std::vector<streamer_input_t> make_inputs(size_t hdmi_inputs) {
+std::vector<streamer_input_t> make_inputs() {
   std::vector<streamer_input_t> made;
   for (uint32_t n = 0; n < inject_count; ++n) {
     made.push_back(input(n, "zvid-raw-frame_inject_in_" + std::to_string(n), vgn::input_kind_e::inject, 32 + n));
   }
-  for (uint32_t n = 0; n < hdmi_inputs; ++n) {
+  for (uint32_t n = 0; n < hdmi_input_count; ++n) {
     made.push_back(input(first_hdmi_input_id + n, "hdmi_in_" + std::to_string(n), vgn::input_kind_e::hdmi_in, 1 + n));
   }
   for (uint32_t n = 0; n < decoder_count; ++n) {
@@ -60,22 +61,8 @@ std::vector<streamer_output_t> make_outputs(size_t hdmi_outputs) {
 
 }  // namespace
 
-streamer_shape_t streamer_shape(int model) {
-  switch (model) {
-    case 137:
-      return {2, 1};
-    case 85:
-    case 100:
-      return {3, 3};
-    default:
-      return {2, 2};
-  }
-}
-
-streamer_model_t::streamer_model_t(const streamer_shape_t& shape)
-    : hdmi_outputs(shape.hdmi_outputs),
-      input_list(make_inputs(shape.hdmi_inputs)),
-      output_list(make_outputs(shape.hdmi_outputs)) {}
+streamer_model_t::streamer_model_t(size_t hdmi_output_count)
+    : hdmi_outputs(hdmi_output_count), input_list(make_inputs()), output_list(make_outputs(hdmi_output_count)) {}
 
 const streamer_input_t* streamer_model_t::find_input(uint32_t id) const {
   const auto found = std::find_if(input_list.begin(), input_list.end(),

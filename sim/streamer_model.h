@@ -11,15 +11,6 @@
 
 namespace sim {
 
-/// How many connectors the streamer of a model has.
-struct streamer_shape_t {
-  size_t hdmi_inputs = 2;
-  size_t hdmi_outputs = 2;
-};
-
-/// The shape for a model id; two inputs and two outputs for one that is not known.
-streamer_shape_t streamer_shape(int model);
-
 /// An input, as the driver's clients see it.
 struct streamer_input_t {
   vgn::resource_record_t resource{};
@@ -50,7 +41,7 @@ struct streamer_output_t {
 /// real id.
 class streamer_model_t {
  public:
-  explicit streamer_model_t(const streamer_shape_t& shape);
+  explicit streamer_model_t(size_t hdmi_output_count);
 
   const std::vector<streamer_input_t>& inputs() const { return input_list; }
   /// The HDMI outputs first, in order of their connectors, then the others.

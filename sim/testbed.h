@@ -1,7 +1,10 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 struct _UMockdevTestbed;
 
@@ -26,6 +29,9 @@ class testbed_t {
   /// The folder that stands for "/" in the emulation.
   const std::string& root() const { return root_folder; }
 
+  /// Keeps alive what the thread that serves requests refers to, until that has ended.
+  void keep(std::shared_ptr<void> referred) { kept.push_back(std::move(referred)); }
+
   /// The environment variables that put a program before this hardware.
   std::map<std::string, std::string> environment() const;
 
@@ -35,6 +41,7 @@ class testbed_t {
  private:
   _UMockdevTestbed* bed;
   std::string root_folder;
+  std::vector<std::shared_ptr<void>> kept;
 };
 
 }  // namespace sim

@@ -11,8 +11,8 @@
 #include <cerrno>
 #include <chrono>
 #include <fstream>
-#include <utility>
 
+#include "sim/descriptor.h"
 #include "zyl/event_loop.h"
 
 namespace {
@@ -26,18 +26,7 @@ using monitor_t = std::unique_ptr<udev_monitor, udev_unref_t<udev_monitor, udev_
 using device_t = std::unique_ptr<udev_device, udev_unref_t<udev_device, udev_device_unref>>;
 using enumerate_t = std::unique_ptr<udev_enumerate, udev_unref_t<udev_enumerate, udev_enumerate_unref>>;
 
-/// An open descriptor, or -1.
-class descriptor_t {
- public:
-  explicit descriptor_t(int opened) : fd(opened) {}
-  ~descriptor_t() { ::close(fd); }
-  descriptor_t(const descriptor_t&) = delete;
-  descriptor_t& operator=(const descriptor_t&) = delete;
-  descriptor_t(descriptor_t&& other) noexcept : fd(std::exchange(other.fd, -1)) {}
-  descriptor_t& operator=(descriptor_t&&) = delete;
-
-  int fd;
-};
+using sim::descriptor_t;
 
 descriptor_t open_node(const std::string& path) {
   return descriptor_t(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
@@ -80,7 +69,7 @@ class StreamerDriver : public testing::Test {
   /// Opens the node and waits until the driver knows, from when on it gives events.
   descriptor_t open_and_wait(const std::string& path) {
     descriptor_t node = open_node(path);
-    EXPECT_GE(node.fd, 0);
+    EXPECT_GE(node.get(), 0);
     EXPECT_TRUE(property_becomes("/sim/streamer/open", "1"));
     return node;
   }
@@ -91,8 +80,7 @@ class StreamerDriver : public testing::Test {
   sim::property_tree_t properties;
   sim::story_t story;
   sim::testbed_t testbed;
-  std::optional<sim::streamer_driver_t> driver{std::in_place, loop.base(), testbed,
-                                               properties,    story,       sim::streamer_shape(106)};
+  std::optional<sim::streamer_driver_t> driver{std::in_place, loop.base(), testbed, properties, story, 2};
 };
 
 std::string found_node(udev* context) {
@@ -114,14 +102,14 @@ TEST_F(StreamerDriver, IsFoundByUdevAsAMiscDevice) {
 
 TEST_F(StreamerDriver, ListsItsResourcesToAClient) {
   const descriptor_t node = open_node("/dev/vgnsys-0");
-  ASSERT_GE(node.fd, 0);
+  ASSERT_GE(node.get(), 0);
   vgn::resources_record_t record{};
-  ASSERT_EQ(::ioctl(node.fd, vgn::resources_request, &record), 0);
+  ASSERT_EQ(::ioctl(node.get(), vgn::resources_request, &record), 0);
   std::vector<uint32_t> inputs(record.input_count);
   std::vector<uint32_t> outputs(record.output_count);
   record.input_ids = reinterpret_cast<uint64_t>(inputs.data());
   record.output_ids = reinterpret_cast<uint64_t>(outputs.data());
-  ASSERT_EQ(::ioctl(node.fd, vgn::resources_request, &record), 0);
+  ASSERT_EQ(::ioctl(node.get(), vgn::resources_request, &record), 0);
   EXPECT_EQ(inputs.front(), 0U);
   EXPECT_EQ(outputs.front(), first_output);
 }
@@ -129,24 +117,24 @@ TEST_F(StreamerDriver, ListsItsResourcesToAClient) {
 TEST_F(StreamerDriver, FailsARequestThatItDoesNotKnow) {
   const descriptor_t node = open_node("/dev/vgnsys-0");
   vgn::value_record_t record{};
-  EXPECT_EQ(::ioctl(node.fd, _IOW('V', 99, vgn::value_record_t), &record), -1);
+  EXPECT_EQ(::ioctl(node.get(), _IOW('V', 99, vgn::value_record_t), &record), -1);
   EXPECT_EQ(errno, ENOTTY);
 }
 
 TEST_F(StreamerDriver, GivesOneRecordAReadWhenDisplaysComeAndGo) {
   const descriptor_t node = open_and_wait("/dev/vgnsys-0");
   properties.set("/sim/hdmi/0/edid", file_with("x"));
-  EXPECT_EQ(connected(node.fd, first_output), 1U);
+  EXPECT_EQ(connected(node.get(), first_output), 1U);
   properties.set("/sim/hdmi/0/edid", "");
-  EXPECT_EQ(connected(node.fd, first_output), 0U);
+  EXPECT_EQ(connected(node.get(), first_output), 0U);
   std::vector<vgn::vgn_event_t> events(8);
   const size_t room = events.size() * sizeof(vgn::vgn_event_t);
-  ASSERT_EQ(::read(node.fd, events.data(), room), ssize_t{sizeof(vgn::vgn_event_t)});
+  ASSERT_EQ(::read(node.get(), events.data(), room), ssize_t{sizeof(vgn::vgn_event_t)});
   EXPECT_EQ(events[0].type, static_cast<uint32_t>(vgn::link_event_e::output_connection));
   EXPECT_EQ(events[0].id, first_output);
-  ASSERT_EQ(::read(node.fd, events.data(), room), ssize_t{sizeof(vgn::vgn_event_t)});
+  ASSERT_EQ(::read(node.get(), events.data(), room), ssize_t{sizeof(vgn::vgn_event_t)});
   EXPECT_EQ(events[0].type, static_cast<uint32_t>(vgn::link_event_e::output_disconnection));
-  EXPECT_EQ(::read(node.fd, events.data(), room), -1);
+  EXPECT_EQ(::read(node.get(), events.data(), room), -1);
   EXPECT_EQ(errno, EAGAIN);
 }
 
@@ -154,7 +142,7 @@ TEST_F(StreamerDriver, DropsEventsThatNobodyHasOpened) {
   properties.set("/sim/hdmi/0/edid", file_with("x"));
   const descriptor_t node = open_and_wait("/dev/vgnsys-0");
   vgn::vgn_event_t event{};
-  EXPECT_EQ(::read(node.fd, &event, sizeof event), -1);
+  EXPECT_EQ(::read(node.get(), &event, sizeof event), -1);
   EXPECT_EQ(errno, EAGAIN);
 }
 
@@ -166,7 +154,7 @@ TEST_F(StreamerDriver, ForgetsEventsThatItsLastClientDidNotRead) {
   EXPECT_TRUE(property_becomes("/sim/streamer/open", "0"));
   const descriptor_t node = open_and_wait("/dev/vgnsys-0");
   vgn::vgn_event_t event{};
-  EXPECT_EQ(::read(node.fd, &event, sizeof event), -1);
+  EXPECT_EQ(::read(node.get(), &event, sizeof event), -1);
 }
 
 TEST_F(StreamerDriver, GivesTheBytesOfTheFileAsEdid) {
@@ -176,11 +164,11 @@ TEST_F(StreamerDriver, GivesTheBytesOfTheFileAsEdid) {
   properties.set("/sim/hdmi/0/edid", file_with(bytes));
   const descriptor_t node = open_node("/dev/vgnsys-0");
   vgn::edid_record_t record{first_output, 0, 0, 0};
-  ASSERT_EQ(::ioctl(node.fd, vgn::read_edid_request, &record), 0);
+  ASSERT_EQ(::ioctl(node.get(), vgn::read_edid_request, &record), 0);
   ASSERT_EQ(record.size, 384U);
   std::string read(384, '?');
   record.bytes = reinterpret_cast<uint64_t>(read.data());
-  ASSERT_EQ(::ioctl(node.fd, vgn::read_edid_request, &record), 0);
+  ASSERT_EQ(::ioctl(node.get(), vgn::read_edid_request, &record), 0);
   EXPECT_EQ(read, bytes);
   EXPECT_TRUE(property_becomes("/sim/hdmi/0/edid_reads", "1"));
 }
@@ -190,7 +178,7 @@ TEST_F(StreamerDriver, PlugsADisplayWithoutAnyEdidBytes) {
   EXPECT_EQ(properties.value("/sim/hdmi/1/connected"), "1");
   const descriptor_t node = open_node("/dev/vgnsys-0");
   vgn::edid_record_t record{first_output + 1, 0, 99, 0};
-  ASSERT_EQ(::ioctl(node.fd, vgn::read_edid_request, &record), 0);
+  ASSERT_EQ(::ioctl(node.get(), vgn::read_edid_request, &record), 0);
   EXPECT_EQ(record.size, 0U);
 }
 
@@ -204,7 +192,7 @@ TEST_F(StreamerDriver, LeavesTheConnectorAsItIsForAFileThatCannotBeRead) {
 TEST_F(StreamerDriver, PublishesWhatAClientPrograms) {
   const descriptor_t node = open_node("/dev/vgnsys-0");
   vgn::timing_record_t timing{first_output, {148500, 1920, 2008, 2052, 2200, 1080, 1084, 1089, 1125, 5}, {}};
-  ASSERT_EQ(::ioctl(node.fd, vgn::set_timing_request, &timing), 0);
+  ASSERT_EQ(::ioctl(node.get(), vgn::set_timing_request, &timing), 0);
   EXPECT_TRUE(property_becomes("/sim/hdmi/0/timing", "148500 1920 2008 2052 2200 1080 1084 1089 1125 5"));
   EXPECT_EQ(properties.value("/sim/hdmi/1/timing"), "");
 }
@@ -212,27 +200,27 @@ TEST_F(StreamerDriver, PublishesWhatAClientPrograms) {
 TEST_F(StreamerDriver, FailsEverythingWithNoSuchDeviceOnceItIsPulledOut) {
   const descriptor_t node = open_and_wait("/dev/vgnsys-0");
   driver->set_present(false);
-  pollfd readable{node.fd, POLLIN, 0};
+  pollfd readable{node.get(), POLLIN, 0};
   ASSERT_EQ(::poll(&readable, 1, 20000), 1);
   vgn::vgn_event_t event{};
-  EXPECT_EQ(::read(node.fd, &event, sizeof event), -1);
+  EXPECT_EQ(::read(node.get(), &event, sizeof event), -1);
   EXPECT_EQ(errno, ENODEV);
   vgn::value_record_t record{first_output, 0};
-  EXPECT_EQ(::ioctl(node.fd, vgn::output_connected_request, &record), -1);
+  EXPECT_EQ(::ioctl(node.get(), vgn::output_connected_request, &record), -1);
   EXPECT_EQ(errno, ENODEV);
-  EXPECT_EQ(open_node("/dev/vgnsys-0").fd, -1);
+  EXPECT_EQ(open_node("/dev/vgnsys-0").get(), -1);
 }
 
 TEST_F(StreamerDriver, ComesBackUnderTheNextNumberWithItsDisplaysAndWithoutTheirTimings) {
   properties.set("/sim/hdmi/0/edid", file_with("x"));
   const descriptor_t old_node = open_node("/dev/vgnsys-0");
   vgn::timing_record_t timing{first_output, {148500, 1920, 2008, 2052, 2200, 1080, 1084, 1089, 1125, 5}, {}};
-  ASSERT_EQ(::ioctl(old_node.fd, vgn::set_timing_request, &timing), 0);
+  ASSERT_EQ(::ioctl(old_node.get(), vgn::set_timing_request, &timing), 0);
   properties.set("/sim/streamer/present", "0");
   properties.set("/sim/streamer/present", "1");
   EXPECT_TRUE(property_becomes("/sim/hdmi/0/timing", ""));
   const descriptor_t node = open_and_wait("/dev/vgnsys-1");
-  EXPECT_EQ(connected(node.fd, first_output), 1U);
+  EXPECT_EQ(connected(node.get(), first_output), 1U);
 }
 
 TEST_F(StreamerDriver, TellsUdevWhenItGoesAndReturns) {
@@ -256,7 +244,7 @@ TEST_F(StreamerDriver, EndsWhileAClientStillHasItOpen) {
   const descriptor_t node = open_and_wait("/dev/vgnsys-0");
   driver.reset();
   vgn::value_record_t record{first_output, 0};
-  EXPECT_EQ(::ioctl(node.fd, vgn::output_connected_request, &record), -1);
+  EXPECT_EQ(::ioctl(node.get(), vgn::output_connected_request, &record), -1);
   EXPECT_EQ(errno, ENODEV);
 }
 

@@ -28,7 +28,7 @@ class StreamerRequests : public testing::Test {
 
   uint32_t output_id(size_t connector) { return model.hdmi_output(connector).resource.id; }
 
-  sim::streamer_model_t model{sim::streamer_shape(106)};
+  sim::streamer_model_t model{2};
 };
 
 uint64_t address_of(void* memory) { return reinterpret_cast<uint64_t>(memory); }
@@ -164,12 +164,6 @@ TEST_F(StreamerRequests, RefuseARequestThatIsNotKnownAndTellIt) {
   const auto result = request(_IOW('V', 99, vgn::value_record_t), record);
   EXPECT_EQ(result.error, ENOTTY);
   EXPECT_EQ(result.story, "request 0x40085663 is not known");
-}
-
-TEST(StreamerShape, FollowsTheModel) {
-  EXPECT_EQ(sim::streamer_shape(106).hdmi_outputs, 2U);
-  EXPECT_EQ(sim::streamer_shape(137).hdmi_outputs, 1U);
-  EXPECT_EQ(sim::streamer_shape(85).hdmi_outputs, 3U);
 }
 
 }  // namespace
