@@ -43,7 +43,9 @@ void decoder_entry_t::clear_counters() const {
   clear_words(start, 64, 67);
 }
 
-status_block_t::status_block_t(std::span<std::byte> bytes) : start(bytes.data()) { ZYL_ASSERT(bytes.size() >= size); }
+status_block_t::status_block_t(std::span<std::byte> mapped) : start(mapped.data()) {
+  ZYL_ASSERT(mapped.size() >= size);
+}
 
 decoder_entry_t status_block_t::decoder(std::size_t index) const {
   ZYL_ASSERT(index < decoder_count);

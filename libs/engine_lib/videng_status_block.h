@@ -110,8 +110,10 @@ class status_block_t {
  public:
   static constexpr std::size_t size = 0x4918;
 
-  /// `bytes`: `size` of them at least, aligned for 32 bits, mapped for as long as the view is used.
-  explicit status_block_t(std::span<std::byte> bytes);
+  /// `mapped`: `size` bytes at least, aligned for 32 bits, mapped for as long as the view is used.
+  explicit status_block_t(std::span<std::byte> mapped);
+
+  std::span<std::byte> bytes() const { return {start, size}; }
 
   decoder_entry_t decoder(std::size_t index) const;
 

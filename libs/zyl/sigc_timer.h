@@ -3,11 +3,13 @@
 #include <event2/event.h>
 #include <sigc++/sigc++.h>
 
+#include <atomic>
 #include <cstdint>
 
 namespace zyl {
 
-/// A timer on an event loop with a signal for its expiry. Thread of the loop, construction included.
+/// A timer on an event loop with a signal for its expiry. Thread of the loop, construction included; `cancel` and
+/// `running` may come from any thread.
 ///
 /// A repeating timer is armed again before `expired` is emitted, so that the time its slots take does not stretch the
 /// period; a one-shot timer is cancelled before. A slot must not destroy the timer.
@@ -53,7 +55,7 @@ class sigc_timer_t {
   int32_t jitter_min_ms = 0;
   int32_t jitter_max_ms = 0;
   bool one_shot;
-  bool stopped = true;
+  std::atomic<bool> stopped = true;
 };
 
 }  // namespace zyl

@@ -129,5 +129,5 @@ TEST(VidengStatusBlockDeathTest, AnIndexOutsideItsTableEndsTheProcess) {
 
 TEST(VidengStatusBlockDeathTest, TooFewBytesEndTheProcess) {
   std::vector<std::byte> bytes(videng::status_block_t::size - 1);
-  EXPECT_EXIT(videng::status_block_t{bytes}, testing::KilledBySignal(SIGABRT), "bytes.size.. >= size");
+  EXPECT_EXIT(videng::status_block_t{bytes}, testing::KilledBySignal(SIGABRT), "mapped.size.. >= size");
 }
