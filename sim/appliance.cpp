@@ -1,0 +1,20 @@
+#include "sim/appliance.h"
+
+namespace sim {
+
+appliance_t::appliance_t(const model_t& model, const std::string& story_file)
+    : story(story_file),
+      log(loop.base(), tree, story, "/tmp/vgn-appliance.log"),
+      properties(loop.base(), tree, story),
+      driver(loop.base(), testbed, tree, story, static_cast<std::size_t>(model.output_count)),
+      splash(tree, story, model.output_count),
+      screen(tree, story, model.output_count) {
+  publish_identity(tree, model);
+  for (const auto& [name, value] : daemon_environment()) {
+    tree.publish("/sim/environment/" + name, value);
+  }
+  story.tell("appliance", "model " + std::to_string(model.id) + " is up");
+  tree.publish("/sim/ready", "1");
+}
+
+}  // namespace sim

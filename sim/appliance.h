@@ -1,0 +1,50 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "sim/log_collector.h"
+#include "sim/model.h"
+#include "sim/property_service.h"
+#include "sim/property_tree.h"
+#include "sim/screen.h"
+#include "sim/splash_provider.h"
+#include "sim/story.h"
+#include "sim/streamer_driver.h"
+#include "sim/testbed.h"
+#include "zyl/event_loop.h"
+
+namespace sim {
+
+/// The simulated appliance: everything that the daemon meets outside itself, on one loop. Owned and run by one thread.
+class appliance_t {
+ public:
+  /// Serves everything, and sets "/sim/ready" to "1". The story goes to `story_file`, "-" being standard output; the
+  /// system's log to "/tmp/vgn-appliance.log". Throws `std::system_error` if something cannot be served.
+  appliance_t(const model_t& model, const std::string& story_file);
+
+  /// Runs until `stop`.
+  void run() { loop.run(); }
+
+  /// Any thread.
+  void stop() { loop.stop(); }
+
+  event_base* base() const { return loop.base(); }
+
+  /// The variables that the daemon needs to see the appliance's devices; also below "/sim/environment/".
+  std::map<std::string, std::string> daemon_environment() const { return testbed.environment(); }
+
+ private:
+  zyl::event_loop_t loop;
+  property_tree_t tree;
+  story_t story;
+  // Binds "/dev/log", so it comes before the testbed, behind which the real /dev is out of reach.
+  log_collector_t log;
+  testbed_t testbed;
+  property_service_t properties;
+  streamer_driver_t driver;
+  splash_provider_t splash;
+  screen_t screen;
+};
+
+}  // namespace sim
