@@ -1,0 +1,149 @@
+#include "edid_lib/det_timings_block.h"
+
+#include <gtest/gtest.h>
+
+#include "test_support/edid_builder.h"
+
+using edid_lib::det_timings_block_t;
+using edid_lib::timing_location_t;
+using edid_lib::timing_type_t;
+using edid_lib::vid_resolution_t;
+using edid_lib::vid_timing_t;
+using test_support::detailed_entry;
+using test_support::detailed_entry_t;
+
+namespace {
+
+constexpr vid_timing_t full_hd = {148500, 1920, 2008, 2052, 2200, 1080, 1084, 1089, 1125, 5};
+
+std::vector<vid_resolution_t> modes_of(const detailed_entry_t& entry) {
+  return det_timings_block_t(entry, 54, 1).modes();
+}
+
+/// A field of an interlaced format, as displays tell it.
+detailed_entry_t field(vid_timing_t timing) {
+  timing.flags |= edid_lib::interlaced_scan;
+  return detailed_entry(timing);
+}
+
+}  // namespace
+
+TEST(DetTimingsBlock, HasItsPlaceAndItsRoom) {
+  const det_timings_block_t block(detailed_entry(full_hd), 54, 2);
+  EXPECT_EQ(block.offset(), 54U);
+  EXPECT_EQ(block.capacity(), 2U);
+  EXPECT_EQ(block.size(), 36U);
+  EXPECT_EQ(block.byte(35), 1);
+}
+
+TEST(DetTimingsBlock, DecodesTheNumbersOfAnEntry) {
+  const auto modes = modes_of(detailed_entry(full_hd));
+  ASSERT_EQ(modes.size(), 1U);
+  EXPECT_EQ(modes[0].timing, full_hd);
+  EXPECT_EQ(modes[0].key(), "1920x1080@60");
+  EXPECT_EQ(modes[0].type, timing_type_t::cta);
+  EXPECT_EQ(modes[0].location, timing_location_t::detailed_timing_descriptor);
+}
+
+TEST(DetTimingsBlock, DecodesTheUpperBitsOfEveryNumber) {
+  const vid_timing_t large{655350,         4095, 4095 + 1023, 4095 + 1023 + 1023, 8190, 4095, 4095 + 63,
+                           4095 + 63 + 63, 8190, 10};
+  const auto modes = modes_of(detailed_entry(large));
+  ASSERT_EQ(modes.size(), 1U);
+  EXPECT_EQ(modes[0].timing, large);
+}
+
+TEST(DetTimingsBlock, DecodesImageSizeAndBorders) {
+  detailed_entry_t entry = detailed_entry(full_hd);
+  entry[12] = 0x34;
+  entry[13] = 0x78;
+  entry[14] = 0x12;
+  entry[15] = 5;
+  entry[16] = 6;
+  const vid_resolution_t mode = modes_of(entry).at(0);
+  EXPECT_EQ(mode.h_image_mm, 0x134U);
+  EXPECT_EQ(mode.v_image_mm, 0x278U);
+  EXPECT_EQ(mode.h_border, 5U);
+  EXPECT_EQ(mode.v_border, 6U);
+}
+
+TEST(DetTimingsBlock, PolaritiesAreAlwaysTold) {
+  detailed_entry_t entry = detailed_entry(full_hd);
+  entry[17] = 0;
+  EXPECT_EQ(modes_of(entry).at(0).timing.flags, 2U | 8U);
+  entry[17] = 0x2;
+  EXPECT_EQ(modes_of(entry).at(0).timing.flags, 1U | 8U);
+  entry[17] = 0x4;
+  EXPECT_EQ(modes_of(entry).at(0).timing.flags, 2U | 4U);
+}
+
+TEST(DetTimingsBlock, AnEntryWithoutClockIsNoTiming) {
+  detailed_entry_t entry = detailed_entry(full_hd);
+  entry[0] = 0;
+  entry[1] = 0;
+  EXPECT_TRUE(modes_of(entry).empty());
+}
+
+TEST(DetTimingsBlock, APictureBelow64OnASideIsNoTiming) {
+  EXPECT_TRUE(modes_of(detailed_entry({10000, 63, 70, 80, 100, 480, 490, 492, 525, 0})).empty());
+  EXPECT_TRUE(modes_of(detailed_entry({10000, 640, 650, 660, 800, 63, 64, 65, 70, 0})).empty());
+  EXPECT_EQ(modes_of(detailed_entry({10000, 64, 70, 80, 100, 64, 65, 66, 70, 0})).size(), 1U);
+}
+
+TEST(DetTimingsBlock, AnEntryWithoutSyncPulseIsNoTiming) {
+  EXPECT_TRUE(modes_of(detailed_entry({148500, 1920, 2008, 2008, 2200, 1080, 1084, 1089, 1125, 5})).empty());
+  EXPECT_TRUE(modes_of(detailed_entry({148500, 1920, 2008, 2052, 2200, 1080, 1084, 1084, 1125, 5})).empty());
+}
+
+TEST(DetTimingsBlock, ASyncPulseBehindTheTotalMakesTheTotalLonger) {
+  const vid_resolution_t mode =
+      modes_of(detailed_entry({148500, 1920, 2008, 2052, 2000, 1080, 1084, 1089, 1085, 5})).at(0);
+  EXPECT_EQ(mode.timing.h_total, 2053U);
+  EXPECT_EQ(mode.timing.v_total, 1090U);
+}
+
+TEST(DetTimingsBlock, ASyncPulseUpToTheTotalLeavesItAsItIs) {
+  const vid_resolution_t mode =
+      modes_of(detailed_entry({148500, 1920, 2008, 2052, 2052, 1080, 1084, 1089, 1089, 5})).at(0);
+  EXPECT_EQ(mode.timing.h_total, 2052U);
+  EXPECT_EQ(mode.timing.v_total, 1089U);
+}
+
+TEST(DetTimingsBlock, AFieldOfAKnownFormatBecomesItsFrame) {
+  const vid_resolution_t mode = modes_of(field({74250, 1920, 2008, 2052, 2200, 540, 542, 547, 562, 5})).at(0);
+  EXPECT_EQ(mode.timing, (vid_timing_t{74250, 1920, 2008, 2052, 2200, 1080, 1084, 1094, 1125, 21}));
+  EXPECT_FLOAT_EQ(mode.fps, 30);
+  EXPECT_EQ(mode.key(), "1920x1080i@30");
+  EXPECT_EQ(mode.type, timing_type_t::undefined);
+}
+
+TEST(DetTimingsBlock, EveryKnownInterlacedFormatIsDoubled) {
+  const std::pair<uint32_t, uint32_t> formats[] = {{1920, 540}, {720, 240},  {1440, 240}, {2880, 240},
+                                                   {720, 288},  {1440, 288}, {2880, 288}};
+  for (const auto& [width, height] : formats) {
+    const auto entry =
+        field({27000, width, width + 10, width + 20, width + 30, height, height + 2, height + 5, height + 22, 10});
+    EXPECT_EQ(modes_of(entry).at(0).height, static_cast<int32_t>(2 * height)) << width;
+    EXPECT_EQ(modes_of(entry).at(0).timing.v_total, 2 * (height + 22) + 1) << width;
+  }
+}
+
+TEST(DetTimingsBlock, OtherInterlacedTimingsAreTakenAsTheyAre) {
+  const vid_resolution_t mode = modes_of(field({44900, 1024, 1032, 1208, 1264, 768, 769, 776, 817, 5})).at(0);
+  EXPECT_EQ(mode.height, 768);
+  EXPECT_EQ(mode.timing.v_total, 817U);
+  EXPECT_TRUE(mode.interlaced);
+}
+
+TEST(DetTimingsBlock, ModesComeInTheOrderOfTheEntriesThatAreTimings) {
+  std::vector<uint8_t> bytes;
+  for (const auto& entry : {detailed_entry(full_hd), detailed_entry_t{},
+                            detailed_entry({40000, 800, 840, 968, 1056, 600, 601, 605, 628, 5})}) {
+    bytes.insert(bytes.end(), entry.begin(), entry.end());
+  }
+  const auto modes = det_timings_block_t(bytes, 0, 3).modes();
+  ASSERT_EQ(modes.size(), 2U);
+  EXPECT_EQ(modes[0].width, 1920);
+  EXPECT_EQ(modes[1].width, 800);
+  EXPECT_EQ(modes[1].type, timing_type_t::dmt);
+}

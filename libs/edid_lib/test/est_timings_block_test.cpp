@@ -1,0 +1,65 @@
+#include "edid_lib/est_timings_block.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "edid_lib/timing_tables.h"
+
+using edid_lib::est_timings_block_t;
+using edid_lib::vid_resolution_t;
+
+namespace {
+
+est_timings_block_t block(std::array<uint8_t, 3> bytes) { return est_timings_block_t(bytes); }
+
+}  // namespace
+
+TEST(EstTimingsBlock, IsAlwaysThreeBytes) {
+  EXPECT_EQ(est_timings_block_t(std::array<uint8_t, 1>{0xFF}).size(), 3U);
+  EXPECT_EQ(est_timings_block_t(std::array<uint8_t, 1>{0xFF}).byte(1), 0);
+  EXPECT_EQ(est_timings_block_t(std::array<uint8_t, 4>{1, 2, 3, 4}).size(), 3U);
+}
+
+TEST(EstTimingsBlock, IsValidWith640x480At60) {
+  EXPECT_TRUE(block({0x20, 0, 0}).valid());
+  EXPECT_FALSE(block({0xDF, 0xFF, 0xFF}).valid());
+}
+
+TEST(EstTimingsBlock, EachModeHasItsBit) {
+  for (const edid_lib::timing_row_t* row : edid_lib::established_timings().by_key()) {
+    std::array<uint8_t, 3> bytes{};
+    bytes[row->number / 8] = row->number == 16 ? uint8_t{0x80} : static_cast<uint8_t>(1U << row->number % 8);
+    const auto modes = block(bytes).modes();
+    ASSERT_EQ(modes.size(), 1U) << row->key;
+    EXPECT_EQ(modes[0].timing, row->timing);
+    EXPECT_TRUE(block(bytes).contains(vid_resolution_t(row->key)));
+  }
+}
+
+TEST(EstTimingsBlock, BitsOfTheThirdByteBelowTheHighestMeanNothing) {
+  EXPECT_TRUE(block({0, 0, 0x7F}).modes().empty());
+}
+
+TEST(EstTimingsBlock, ContainsNoModeThatHasNoBit) {
+  EXPECT_FALSE(block({0xFF, 0xFF, 0xFF}).contains(vid_resolution_t("1920x1080@60")));
+}
+
+TEST(EstTimingsBlock, ModesComeInTheOrderOfTheirKeys) {
+  const auto modes = block({0xFF, 0xFF, 0xFF}).modes();
+  ASSERT_EQ(modes.size(), 17U);
+  EXPECT_EQ(modes[0].timing.pixel_clock_khz, 65000U);
+  EXPECT_EQ(modes[3].interlaced, true);
+  EXPECT_EQ(modes[5].width, 1280);
+  EXPECT_EQ(modes[6].width, 640);
+  EXPECT_EQ(modes[16].width, 832);
+}
+
+TEST(EstTimingsBlock, ModesHaveComputedRates) {
+  const auto modes = block({0x20, 0, 0}).modes();
+  ASSERT_EQ(modes.size(), 1U);
+  EXPECT_NEAR(modes[0].fps, 59.94, 0.001);
+  EXPECT_EQ(modes[0].key(), "640x480@60");
+  EXPECT_EQ(modes[0].type, edid_lib::timing_type_t::established);
+  EXPECT_EQ(modes[0].location, edid_lib::timing_location_t::established_block);
+}

@@ -1,0 +1,104 @@
+#include "edid_lib/std_timings_block.h"
+
+#include <gtest/gtest.h>
+
+using edid_lib::std_timings_block_t;
+using edid_lib::timing_location_t;
+using edid_lib::timing_type_t;
+using edid_lib::vid_resolution_t;
+
+namespace {
+
+constexpr uint8_t shape_16_10 = 0x00;
+constexpr uint8_t shape_4_3 = 0x40;
+constexpr uint8_t shape_5_4 = 0x80;
+constexpr uint8_t shape_16_9 = 0xC0;
+
+std_timings_block_t block(std::initializer_list<uint8_t> codes) {
+  return std_timings_block_t(std::vector<uint8_t>(codes));
+}
+
+uint8_t width_byte(int32_t width) { return static_cast<uint8_t>(width / 8 - 31); }
+
+std::vector<vid_resolution_t> modes_of(uint8_t first, uint8_t second, uint32_t revision = 3,
+                                       bool reduced_first = false) {
+  return block({first, second}).modes(revision, reduced_first);
+}
+
+}  // namespace
+
+TEST(StdTimingsBlock, IsAlwaysSixteenBytesPaddedWithTheUnusedCode) {
+  EXPECT_EQ(block({}).size(), 16U);
+  EXPECT_EQ(block({}).byte(15), 1);
+  EXPECT_EQ(std_timings_block_t(std::vector<uint8_t>(20, 7)).size(), 16U);
+}
+
+TEST(StdTimingsBlock, CodesOfTwoEqualBytes0120AreUnused) {
+  EXPECT_EQ(block({0x01, 0x01}).count(), 0U);
+  EXPECT_EQ(block({0x20, 0x20}).count(), 0U);
+  EXPECT_EQ(block({0x00, 0x00}).count(), 0U);
+  EXPECT_EQ(block({0x20, 0x01}).count(), 1U);
+  EXPECT_EQ(block({0x81, 0x81}).count(), 1U);
+}
+
+TEST(StdTimingsBlock, ShapesGiveTheHeight) {
+  EXPECT_EQ(modes_of(width_byte(1280), shape_16_10).at(0).key(), "1280x800@60");
+  EXPECT_EQ(modes_of(width_byte(1024), shape_4_3).at(0).key(), "1024x768@60");
+  EXPECT_EQ(modes_of(width_byte(1280), shape_5_4).at(0).key(), "1280x1024@60");
+  EXPECT_EQ(modes_of(width_byte(1280), shape_16_9).at(0).key(), "1280x720@60");
+}
+
+TEST(StdTimingsBlock, BeforeRevision3ThePictureWithoutAShapeIsSquare) {
+  EXPECT_TRUE(modes_of(width_byte(1280), shape_16_10, 2).empty());
+  EXPECT_FALSE(modes_of(width_byte(1280), shape_16_10, 3).empty());
+}
+
+TEST(StdTimingsBlock, RateIsTheCodesPlus60) {
+  EXPECT_EQ(modes_of(width_byte(1024), shape_4_3 | 15).at(0).key(), "1024x768@75");
+  EXPECT_EQ(modes_of(width_byte(1024), shape_4_3 | 25).at(0).key(), "1024x768@85");
+}
+
+TEST(StdTimingsBlock, ACodeThatMeansNoDmtModeIsDropped) {
+  EXPECT_TRUE(modes_of(width_byte(1928), shape_16_9).empty());
+  EXPECT_EQ(block({width_byte(1928), shape_16_9}).count(), 1U);
+}
+
+TEST(StdTimingsBlock, CodesNextTo1366x768MeanIt) {
+  EXPECT_EQ(modes_of(width_byte(1360), shape_16_9).at(0).key(), "1366x768@60");
+  EXPECT_EQ(modes_of(width_byte(1368), shape_16_9).at(0).key(), "1366x768@60");
+  EXPECT_TRUE(modes_of(width_byte(1360), shape_16_9 | 15).empty());
+}
+
+TEST(StdTimingsBlock, FullHdHasTheNumbersOfDmt) {
+  const auto modes = modes_of(0xD1, 0xC0);
+  ASSERT_EQ(modes.size(), 1U);
+  EXPECT_EQ(modes[0].key(), "1920x1080@60");
+  EXPECT_EQ(modes[0].timing.flags, 10U);
+  EXPECT_EQ(modes[0].type, timing_type_t::dmt);
+  EXPECT_EQ(modes[0].location, timing_location_t::standard_block);
+}
+
+TEST(StdTimingsBlock, ReducedBlankingComesFirstWhereItIsWanted) {
+  const vid_resolution_t reduced = modes_of(width_byte(1280), shape_16_10, 3, true).at(0);
+  EXPECT_EQ(reduced.key(), "1280x800@60 RB");
+  EXPECT_EQ(reduced.timing.pixel_clock_khz, 71000U);
+  EXPECT_EQ(modes_of(width_byte(1280), shape_16_10, 3, false).at(0).timing.pixel_clock_khz, 83500U);
+}
+
+TEST(StdTimingsBlock, WithoutAReducedFormThePlainOneIsTaken) {
+  EXPECT_EQ(modes_of(0xD1, 0xC0, 3, true).at(0).key(), "1920x1080@60");
+}
+
+TEST(StdTimingsBlock, AModeThatDmtHasOnlyWithReducedBlankingIsFoundWithoutTheMarker) {
+  const vid_resolution_t mode = modes_of(width_byte(2048), shape_16_9, 3, false).at(0);
+  EXPECT_EQ(mode.timing.pixel_clock_khz, 162000U);
+  EXPECT_FALSE(mode.reduced_blanking);
+}
+
+TEST(StdTimingsBlock, ModesComeInTheOrderOfTheCodes) {
+  const auto modes =
+      block({0xD1, 0xC0, 1, 1, width_byte(1928), shape_16_9, width_byte(1024), shape_4_3}).modes(3, true);
+  ASSERT_EQ(modes.size(), 2U);
+  EXPECT_EQ(modes[0].width, 1920);
+  EXPECT_EQ(modes[1].width, 1024);
+}
