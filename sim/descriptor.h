@@ -24,6 +24,9 @@ class descriptor_t {
   int get() const { return fd; }
   explicit operator bool() const { return fd >= 0; }
 
+  /// Hands it to somebody else, who owns it from then on.
+  int release() { return std::exchange(fd, -1); }
+
   void reset() {
     if (fd >= 0) {
       close(fd);

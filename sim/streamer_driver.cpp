@@ -34,8 +34,8 @@ streamer_driver_t::streamer_driver_t(event_base* loop, testbed_t& bed, property_
       model(hdmi_output_count),
       alive(std::make_shared<streamer_driver_t*>(this)) {
   for (size_t n = 0; n < hdmi_output_count; ++n) {
-    tree.publish(hdmi_path(n, "edid"), "");
-    tree.on_set(hdmi_path(n, "edid"), [this, n](const std::string& path) { plug_file(n, path); });
+    tree.publish(hdmi_property(n, "edid"), "");
+    tree.on_set(hdmi_property(n, "edid"), [this, n](const std::string& path) { plug_file(n, path); });
   }
   tree.on_set("/sim/streamer/present", [this](const std::string& value) { set_present(value == "1"); });
   tree.publish("/sim/streamer/open", "0");
@@ -79,7 +79,7 @@ void streamer_driver_t::remove_device() {
 }
 
 void streamer_driver_t::plug(size_t connector, std::vector<uint8_t> edid) {
-  if (tree.value(hdmi_path(connector, "connected")) == "1") {
+  if (tree.value(hdmi_property(connector, "connected")) == "1") {
     unplug(connector);
   }
   story.tell("driver", "output " + std::to_string(connector) + ": display plugged, EDID of " +
@@ -94,7 +94,7 @@ void streamer_driver_t::unplug(size_t connector) {
 
 void streamer_driver_t::plug_file(size_t connector, const std::string& path) {
   if (path.empty()) {
-    if (tree.value(hdmi_path(connector, "connected")) == "1") {
+    if (tree.value(hdmi_property(connector, "connected")) == "1") {
       unplug(connector);
     }
     return;
@@ -116,7 +116,7 @@ void streamer_driver_t::set_connected(size_t connector, bool connected, std::vec
     output.edid = std::move(edid);
     id = output.resource.id;
   }
-  tree.publish(hdmi_path(connector, "connected"), connected ? "1" : "0");
+  tree.publish(hdmi_property(connector, "connected"), connected ? "1" : "0");
   raise_event(connected ? vgn::link_event_e::output_connection : vgn::link_event_e::output_disconnection, id);
 }
 
@@ -135,8 +135,8 @@ streamer_driver_t::properties_t streamer_driver_t::state() {
   properties_t published;
   const zyl::lock_t lock(mutex);
   for (size_t n = 0; n < model.hdmi_output_count(); ++n) {
-    published.emplace_back(hdmi_path(n, "connected"), model.hdmi_output(n).connected ? "1" : "0");
-    published.emplace_back(hdmi_path(n, "edid_reads"), std::to_string(model.hdmi_output(n).edid_reads));
+    published.emplace_back(hdmi_property(n, "connected"), model.hdmi_output(n).connected ? "1" : "0");
+    published.emplace_back(hdmi_property(n, "edid_reads"), std::to_string(model.hdmi_output(n).edid_reads));
     const properties_t programmed = programmed_properties(model, n);
     published.insert(published.end(), programmed.begin(), programmed.end());
   }

@@ -63,7 +63,7 @@ request_result_t changed(const streamer_model_t& model, const output_t& output, 
   result.story = output_name(model, output) + ": " + what;
   if (const auto connector = model.connector(output.resource.id)) {
     for (auto& [path, value] : programmed_properties(model, *connector)) {
-      if (path == hdmi_path(*connector, property)) {
+      if (path == hdmi_property(*connector, property)) {
         result.published.emplace_back(std::move(path), std::move(value));
       }
     }
@@ -123,7 +123,7 @@ request_result_t edid_was_read(const streamer_model_t& model, output_t& output) 
   request_result_t result;
   result.story = output_name(model, output) + ": EDID read, " + std::to_string(output.edid.size()) + " bytes";
   if (const auto connector = model.connector(output.resource.id)) {
-    result.published = {{hdmi_path(*connector, "edid_reads"), std::to_string(output.edid_reads)}};
+    result.published = {{hdmi_property(*connector, "edid_reads"), std::to_string(output.edid_reads)}};
   }
   return result;
 }
@@ -300,7 +300,7 @@ request_result_t answer_streamer_request(streamer_model_t& model, uint32_t reque
   return found != handlers().end() ? found->second(model, record, write) : unknown_request(request);
 }
 
-std::string hdmi_path(size_t connector, const std::string& name) {
+std::string hdmi_property(size_t connector, const std::string& name) {
   return "/sim/hdmi/" + std::to_string(connector) + "/" + name;
 }
 
@@ -308,11 +308,11 @@ std::vector<std::pair<std::string, std::string>> programmed_properties(const str
                                                                        size_t connector) {
   const output_t& output = model.outputs()[connector];
   const output_t::programmed_t& programmed = output.programmed;
-  return {{hdmi_path(connector, "timing"), programmed.timing ? timing_text(*programmed.timing) : ""},
-          {hdmi_path(connector, "audio"), programmed.audio ? audio_text(*programmed.audio) : ""},
-          {hdmi_path(connector, "source"), source_name(model, output)},
-          {hdmi_path(connector, "muted"), programmed.muted ? "1" : "0"},
-          {hdmi_path(connector, "frozen"), programmed.frozen ? "1" : "0"}};
+  return {{hdmi_property(connector, "timing"), programmed.timing ? timing_text(*programmed.timing) : ""},
+          {hdmi_property(connector, "audio"), programmed.audio ? audio_text(*programmed.audio) : ""},
+          {hdmi_property(connector, "source"), source_name(model, output)},
+          {hdmi_property(connector, "muted"), programmed.muted ? "1" : "0"},
+          {hdmi_property(connector, "frozen"), programmed.frozen ? "1" : "0"}};
 }
 
 }  // namespace sim

@@ -28,7 +28,7 @@ request_result_t answer_streamer_request(streamer_model_t& model, uint32_t reque
                                          const client_writer_t& write);
 
 /// The property below "/sim/hdmi/<connector>/".
-std::string hdmi_path(size_t connector, const std::string& name);
+std::string hdmi_property(size_t connector, const std::string& name);
 
 /// What the properties of an HDMI output say about what it was told: path and value of timing, audio, source, muted,
 /// frozen.
