@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "lnx/test/udev_testbed.h"
+#include "test_support/fake_udev.h"
 
 namespace {
 
@@ -52,7 +52,7 @@ TEST(udev_device, made_from_plain_fields_has_no_handle) {
 }
 
 TEST(udev_device, takes_the_fields_of_a_udev_device) {
-  udev_testbed_t testbed;
+  test_support::fake_udev_t testbed;
   const auto syspath = testbed.add("misc", "vgnsys-4", {{"DEVNAME", "/dev/vgnsys-4"}, {"COLOR", "red"}});
   const zyl::intrusive_ptr<udev> context(udev_new());
   const lnx::udev_device_t device(

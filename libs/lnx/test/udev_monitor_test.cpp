@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "lnx/test/udev_testbed.h"
+#include "test_support/fake_udev.h"
 #include "test_support/loop_until.h"
 #include "zyl/event_loop.h"
 
@@ -35,7 +35,7 @@ class udev_monitor : public testing::Test {
     return events;
   }
 
-  udev_testbed_t testbed;
+  test_support::fake_udev_t testbed;
   zyl::event_loop_t loop;
   std::unique_ptr<lnx::udev_monitor_t> monitor;
   std::vector<std::string> events;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "libs/lnx/test/udev_testbed.h"
+#include "test_support/fake_udev.h"
 #include "test_support/fake_vgn_device.h"
 #include "test_support/loop_until.h"
 #include "vgn/src/system.h"
@@ -30,7 +30,7 @@ class streamer_system_by_udev : public testing::Test {
     return test_support::loop_until(loop.base(), [this, count] { return events.size() >= count; });
   }
 
-  udev_testbed_t testbed;
+  test_support::fake_udev_t testbed;
   test_support::fake_vgn_driver_t driver;
   zyl::event_loop_t loop;
   std::unique_ptr<vgn::system_t> system;

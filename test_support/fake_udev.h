@@ -2,21 +2,25 @@
 
 #include <umockdev.h>
 
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
 
-/// A machine with just the devices that a test adds, as libudev shows it. The process must run with umockdev's preload
-/// library.
-class udev_testbed_t {
- public:
-  udev_testbed_t() : testbed(umockdev_testbed_new()) {}
-  ~udev_testbed_t() { g_object_unref(testbed); }
+namespace test_support {
 
-  udev_testbed_t(const udev_testbed_t&) = delete;
-  udev_testbed_t& operator=(const udev_testbed_t&) = delete;
-  udev_testbed_t(udev_testbed_t&&) = delete;
-  udev_testbed_t& operator=(udev_testbed_t&&) = delete;
+/// A machine with just the devices and the files below /sys and /proc that a test gives it, as libudev and the file
+/// calls show it. The process must run with umockdev's preload library; one at a time.
+class fake_udev_t {
+ public:
+  fake_udev_t() : testbed(umockdev_testbed_new()) {}
+  ~fake_udev_t() { g_object_unref(testbed); }
+
+  fake_udev_t(const fake_udev_t&) = delete;
+  fake_udev_t& operator=(const fake_udev_t&) = delete;
+  fake_udev_t(fake_udev_t&&) = delete;
+  fake_udev_t& operator=(fake_udev_t&&) = delete;
 
   /// Makes the device and sends its event "add". Returns its path below /sys.
   std::string add(const char* subsystem, const char* name,
@@ -39,6 +43,17 @@ class udev_testbed_t {
     umockdev_testbed_uevent(testbed, syspath.c_str(), action);
   }
 
+  /// Gives the file at an absolute path below /sys or /proc this content.
+  void write(const std::string& path, const std::string& content) {
+    gchar* const root = umockdev_testbed_get_root_dir(testbed);
+    const std::filesystem::path place = root + path;
+    g_free(root);
+    std::filesystem::create_directories(place.parent_path());
+    std::ofstream(place) << content;
+  }
+
  private:
   UMockdevTestbed* testbed;
 };
+
+}  // namespace test_support
