@@ -7,6 +7,7 @@ appliance_t::appliance_t(const model_t& model, const std::string& story_file)
       log(loop.base(), tree, story, "/tmp/vgn-appliance.log"),
       properties(loop.base(), tree, story),
       driver(loop.base(), testbed, tree, story, static_cast<std::size_t>(model.output_count)),
+      engine(loop.base(), tree, story),
       splash(tree, story, model.output_count),
       screen(tree, story, model.output_count) {
   publish_identity(tree, model);

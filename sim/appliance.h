@@ -12,6 +12,7 @@
 #include "sim/story.h"
 #include "sim/streamer_driver.h"
 #include "sim/testbed.h"
+#include "sim/video_engine.h"
 #include "zyl/event_loop.h"
 
 namespace sim {
@@ -43,6 +44,7 @@ class appliance_t {
   testbed_t testbed;
   property_service_t properties;
   streamer_driver_t driver;
+  video_engine_t engine;
   splash_provider_t splash;
   screen_t screen;
 };
