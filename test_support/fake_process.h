@@ -7,6 +7,8 @@
 
 #include <string>
 
+namespace test_support {
+
 /// A child process that does nothing under a name of the test's choice (its `comm`, 15 characters at most). It has the
 /// name when the constructor returns and is gone from "/proc" when the destructor does.
 class fake_process_t {
@@ -47,3 +49,5 @@ class fake_process_t {
 
   pid_t child = -1;
 };
+
+}  // namespace test_support

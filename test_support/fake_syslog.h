@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace test_support {
+
 /// Serves "/dev/log" in the test's sandbox and keeps what is sent there, raw ("<12>Nov 21 11:23:11 name: text").
 class fake_syslog_t {
  public:
@@ -74,3 +76,5 @@ class stdout_to_syslog_t {
  private:
   int saved = -1;
 };
+
+}  // namespace test_support

@@ -1,0 +1,298 @@
+#include "app/vgn_streamer_proxy.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <future>
+#include <thread>
+
+#include "app/test/streamer_proxy_fixture.h"
+#include "test_support/edid_builder.h"
+#include "zyl/post.h"
+
+namespace {
+
+using control_lib::property_response_e;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::IsSupersetOf;
+using testing::Not;
+using vgn_control::vgn_streamer_proxy;
+
+TEST_F(StreamerProxyTest, RunMakesItsPartsAndStartsThemInOrder) {
+  run({[this] {
+    EXPECT_THAT(take(), ElementsAre("bus monitor /xk_splash/0/ready", "bus monitor /xk_splash/1/ready",
+                                    "engine observe", "engine close_all", "hdmi stop",  //
+                                    "bus set /xk_splash/0/graphic ''", "bus set /xk_splash/0/info ''",
+                                    "bus set /xk_splash/0/mode ''", "bus set /xk_splash/0/uci ''",
+                                    "bus set /xk_splash/1/graphic ''", "bus set /xk_splash/1/info ''",
+                                    "bus set /xk_splash/1/mode ''", "bus set /xk_splash/1/uci ''",  //
+                                    "hdmi start", "engine open real"));
+  }});
+  EXPECT_EQ(log.lines().front(), "vgn_streamer_proxy::run");
+  EXPECT_TRUE(log.said("vgn_streamer_proxy::disconnect_xk_splash (all)"));
+}
+
+TEST_F(StreamerProxyTest, TheEndLetsGoOfInterfaceThenEngineThenBus) {
+  run({[this] { forget(); }});
+  EXPECT_THAT(take(), ElementsAre("engine close_all", "hdmi stop", "hdmi gone", "engine gone", "bus gone"));
+}
+
+TEST_F(StreamerProxyTest, AStopBeforeTheRunIsKept) {
+  proxy.stop();
+  run({});
+  EXPECT_THAT(take(), Contains("bus gone"));
+}
+
+TEST_F(StreamerProxyTest, AnotherThreadCanStopIt) {
+  std::promise<void> running;
+  std::thread other([&] {
+    running.get_future().wait();
+    proxy.stop();
+  });
+  run({[&] { running.set_value(); }, [&] { other.join(); }});
+  EXPECT_THAT(take(), Contains("bus gone"));
+}
+
+struct model_outputs_t {
+  const char* part_number;
+  std::size_t outputs;
+};
+
+class StreamerProxyModelTest : public StreamerProxyTest, public testing::WithParamInterface<model_outputs_t> {};
+
+TEST_P(StreamerProxyModelTest, ResetsFourPropertiesForEachOutputOfTheModel) {
+  set_model(GetParam().part_number);
+  run({[this] {
+    lines_t sets = take("bus");
+    std::erase_if(sets, [](const std::string& line) { return line.rfind("bus set ", 0) != 0; });
+    EXPECT_EQ(sets.size(), 4 * GetParam().outputs);
+  }});
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, StreamerProxyModelTest,
+                         testing::Values(model_outputs_t{"part-137", 1}, model_outputs_t{"part-105", 2},
+                                         model_outputs_t{"part-106", 2}, model_outputs_t{"part-085", 3},
+                                         model_outputs_t{"part-100", 3}, model_outputs_t{"part-104", 0},
+                                         model_outputs_t{"no such part", 0}));
+
+TEST_F(StreamerProxyTest, ADisconnectedImageIsAnnouncedForTheFirstOutputAlone) {
+  put_disconnected_image();
+  run({[this] {
+    const lines_t bus_lines = take("bus");
+    EXPECT_THAT(bus_lines, Contains("bus set /xk_splash/0/graphic '" + image + "'"));
+    EXPECT_THAT(bus_lines, Not(Contains("bus set /xk_splash/1/graphic '" + image + "'")));
+    EXPECT_EQ(bus_lines.back(), "bus set /xk_splash/0/info ''");
+  }});
+}
+
+TEST_F(StreamerProxyTest, ADesignThatRunsAlreadyKeepsTheStreamerDown) {
+  proxy.set_design_running();
+  run({[this] {
+    EXPECT_THAT(take(),
+                ElementsAre("bus monitor /xk_splash/0/ready", "bus monitor /xk_splash/1/ready", "engine observe"));
+  }});
+}
+
+TEST_F(StreamerProxyTest, ADesignThatStopsStartsTheStreamerFromScratch) {
+  proxy.set_design_running();
+  run({[this] {
+         forget();
+         proxy.set_design_stopped();
+         EXPECT_THAT(take(), IsEmpty());
+       },
+       [this] {
+         EXPECT_THAT(take(), IsSupersetOf({"hdmi start", "engine open real"}));
+       }});
+}
+
+TEST_F(StreamerProxyTest, ADesignThatStartsStopsTheStreamerOnce) {
+  run({[this] {
+         forget();
+         proxy.set_design_running();
+         proxy.set_design_running();
+       },
+       [this] { EXPECT_THAT(take(), ElementsAre("engine close_all", "hdmi stop")); }});
+  EXPECT_TRUE(log.said("vgn_streamer_proxy::set_design_running"));
+}
+
+TEST_F(StreamerProxyTest, StoppingADesignThatDoesNotRunChangesNothing) {
+  run({[this] {
+         forget();
+         proxy.set_design_stopped();
+       },
+       [this] { EXPECT_THAT(take(), IsEmpty()); }});
+  EXPECT_TRUE(log.said("vgn_streamer_proxy::set_design_stopped"));
+}
+
+TEST_F(StreamerProxyTest, ADesignThatStartsAndStopsBeforeTheLoopTurnsChangesNothing) {
+  run({[this] {
+         forget();
+         proxy.set_design_running();
+         proxy.set_design_stopped();
+       },
+       [this] { EXPECT_THAT(take(), IsEmpty()); }});
+}
+
+TEST_F(StreamerProxyTest, WhenTheStreamerSystemIsUpEachOutputIsEnabledAndAskedForItsDisplay) {
+  run({[this] {
+    forget();
+    streamer_system_up();
+    EXPECT_THAT(take(), ElementsAre("hdmi observe 0", "hdmi enable 0 on no-force", "hdmi get_connection 0",  //
+                                    "hdmi observe 1", "hdmi enable 1 on no-force", "hdmi get_connection 1"));
+    EXPECT_TRUE(log.said("vgn_streamer_proxy::on_vgn_start display_count=2"));
+    EXPECT_EQ(log.lines().back(), "vgn_streamer_proxy::disconnect_xk_splash (all)");
+  }});
+  EXPECT_THAT(coordinator_heard(), ElementsAre("0 disconnected", "1 disconnected"));
+}
+
+TEST_F(StreamerProxyTest, AThirdOutputIsEnabledButNotFollowed) {
+  run({[this] {
+    hdmi->count = 3;
+    forget();
+    streamer_system_up();
+    EXPECT_THAT(take(), IsSupersetOf({"hdmi observe 2", "hdmi enable 2 on no-force"}));
+    plug(2, timing_1080p);
+    EXPECT_THAT(take(), IsEmpty());
+  }});
+  EXPECT_THAT(coordinator_heard(), ElementsAre("0 disconnected", "1 disconnected"));
+}
+
+TEST_F(StreamerProxyTest, ADisplayThatWasThereAlreadyGetsItsMode) {
+  run({[this] {
+    plug(1, timing_1080p);
+    forget();
+    streamer_system_up();
+    EXPECT_THAT(take(), Contains("hdmi set_mode 1 1920 1080 148500"));
+  }});
+  EXPECT_THAT(coordinator_heard(), ElementsAre("0 disconnected", "1 1920x1080@60"));
+}
+
+TEST_F(StreamerProxyTest, ADisplayThatIsPluggedInGetsTheBestModeOfItsEdid) {
+  run({[this] {
+    streamer_system_up();
+    coordinator_heard();
+    forget();
+    plug(0, timing_4k);
+    EXPECT_THAT(take(), ElementsAre("hdmi get_connection 0", "hdmi get_edid 0", "hdmi set_mode 0 3840 2160 594000"));
+  }});
+  EXPECT_TRUE(log.said("vgn_streamer_proxy::on_output_connection(hdmi_index=0) display connected"));
+  EXPECT_TRUE(log.said("vgn_streamer_proxy::set_preferred_mode hdmi_index=0 mode=3840x2160@60"));
+  EXPECT_THAT(coordinator_heard(), ElementsAre("0 3840x2160@60"));
+}
+
+TEST_F(StreamerProxyTest, AModeBeyondTheLimitsIsPassedOver) {
+  run({[this] {
+    streamer_system_up();
+    coordinator_heard();
+    auto wider = timing_4k;
+    wider.h_active = 4096;
+    wider.h_sync_start = 4184;
+    wider.h_sync_end = 4272;
+    plug(0, wider);
+  }});
+  EXPECT_THAT(coordinator_heard(), ElementsAre("0 640x480@60"));
+}
+
+TEST_F(StreamerProxyTest, AnUnpluggedDisplayIsToldToTheCoordinator) {
+  run({[this] {
+    streamer_system_up();
+    plug(0, timing_1080p);
+    coordinator_heard();
+    forget();
+    unplug(0);
+    EXPECT_THAT(take(), ElementsAre("hdmi get_connection 0"));
+  }});
+  EXPECT_TRUE(log.said("vgn_streamer_proxy::on_output_connection(hdmi_index=0) display disconnected"));
+  EXPECT_THAT(coordinator_heard(), ElementsAre("0 disconnected"));
+}
+
+TEST_F(StreamerProxyTest, AConnectionThatCannotBeReadCountsAsNoDisplay) {
+  run({[this] {
+    streamer_system_up();
+    coordinator_heard();
+    hdmi->outputs[0].readable = false;
+    plug(0, timing_1080p);
+  }});
+  EXPECT_THAT(coordinator_heard(), ElementsAre("0 disconnected"));
+}
+
+TEST_F(StreamerProxyTest, AnEmptyEdidLeavesTheOutputAsItIs) {
+  run({[this] {
+    streamer_system_up();
+    coordinator_heard();
+    forget();
+    plug_bytes(0, {});
+    EXPECT_THAT(take(), ElementsAre("hdmi get_connection 0", "hdmi get_edid 0"));
+  }});
+  EXPECT_TRUE(log.said("vgn_streamer_proxy::on_output_connection empty edid"));
+  EXPECT_THAT(coordinator_heard(), IsEmpty());
+}
+
+TEST_F(StreamerProxyTest, AnEdidWithNothingUsableLeavesTheOutputAsItIs) {
+  run({[this] {
+    streamer_system_up();
+    coordinator_heard();
+    forget();
+    plug_bytes(0, test_support::edid_builder_t().byte(35, 0).build());
+    EXPECT_THAT(take(), ElementsAre("hdmi get_connection 0", "hdmi get_edid 0"));
+  }});
+  EXPECT_TRUE(log.said("vgn_streamer_proxy::on_output_connection empty modes list"));
+  EXPECT_THAT(coordinator_heard(), IsEmpty());
+}
+
+TEST_F(StreamerProxyTest, OnlyConnectionEventsOfAnOutputMatter) {
+  run({[this] {
+    streamer_system_up();
+    forget();
+    hdmi->outputs[0].connected = true;
+    hdmi->raise(0, ~(control_lib::output_connection_event | control_lib::output_disconnection_event));
+    EXPECT_THAT(take(), IsEmpty());
+    hdmi->raise(0, control_lib::output_hdcp_event | control_lib::output_disconnection_event);
+    EXPECT_THAT(take(), Contains("hdmi get_connection 0"));
+  }});
+}
+
+TEST_F(StreamerProxyTest, WhileADesignRunsConnectionEventsAreIgnored) {
+  run({[this] {
+    streamer_system_up();
+    coordinator_heard();
+    proxy.set_design_running();
+    forget();
+    plug(0, timing_1080p);
+    unplug(0);
+    EXPECT_THAT(take(), IsEmpty());
+  }});
+  EXPECT_THAT(coordinator_heard(), IsEmpty());
+}
+
+TEST_F(StreamerProxyTest, ACoordinatorWithoutTheSlotIsACriticalLine) {
+  QObject stranger;
+  vgn_streamer_proxy to_stranger(
+      &stranger, {
+                     [this](event_base*) { return std::make_unique<test_support::mock_property_monitor_t>(journal); },
+                     [this](event_base* loop) {
+                       auto made = std::make_unique<test_support::mock_vgn_zsd_interface_t>(loop, journal);
+                       hdmi = made.get();
+                       return made;
+                     },
+                     [this, &to_stranger](event_base* loop) {
+                       zyl::post(loop, [this, &to_stranger] {
+                         streamer_system_up();
+                         to_stranger.stop();
+                       });
+                       return std::make_unique<test_support::mock_ve_ipc_t>(loop, journal);
+                     },
+                 });
+  to_stranger.run();
+  const auto entries = log.entries();
+  const auto line = std::find_if(entries.begin(), entries.end(), [](const auto& entry) {
+    return entry.text == "Invocation of the hdmiPropertiesChanged failed";
+  });
+  ASSERT_NE(line, entries.end());
+  EXPECT_EQ(line->level, spdlog::level::critical);
+}
+
+}  // namespace
