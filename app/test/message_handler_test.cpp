@@ -115,14 +115,14 @@ class MessageHandlerTest : public testing::Test {
 
   // What both channels got from the messages that `send` sends on a thread of its own, in order.
   std::vector<std::string> linesOf(const std::function<void()>& send) {
-    const stdout_to_syslog_t both;
+    const test_support::stdout_to_syslog_t both;
     std::thread(send).join();
     return syslog.take();
   }
 
   static void handle(QtMsgType type, const QString& text) { vgn_control::messageHandler(type, {}, text); }
 
-  fake_syslog_t syslog;
+  test_support::fake_syslog_t syslog;
 };
 
 TEST_F(MessageHandlerTest, SendsAFreshMessageToSyslogThenWithATimeStampToStandardOutput) {

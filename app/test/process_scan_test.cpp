@@ -24,8 +24,8 @@ TEST(ProcessScan, OnlyDigitsNameAProcess) {
 TEST(ProcessScan, AnEmptyNamePasses) { EXPECT_TRUE(isProcessEntry("")); }
 
 TEST(ProcessScan, FindsEveryProcessOfTheName) {
-  const fake_process_t first("runtime_engine");
-  const fake_process_t second("runtime_engine");
+  const test_support::fake_process_t first("runtime_engine");
+  const test_support::fake_process_t second("runtime_engine");
   EXPECT_THAT(processesNamed("runtime_engine"),
               UnorderedElementsAre(QString::fromStdString(first.id()), QString::fromStdString(second.id())));
 }
@@ -33,17 +33,17 @@ TEST(ProcessScan, FindsEveryProcessOfTheName) {
 TEST(ProcessScan, FindsNothingOfANameThatNoProcessHas) { EXPECT_THAT(processesNamed("runtime_engine"), IsEmpty()); }
 
 TEST(ProcessScan, ALongerNameWithTheSameBeginningDoesNotMatch) {
-  const fake_process_t other("runtime_engine2");
+  const test_support::fake_process_t other("runtime_engine2");
   EXPECT_THAT(processesNamed("runtime_engine"), IsEmpty());
 }
 
 TEST(ProcessScan, BlanksAndLineBreaksAroundTheNameDoNotCount) {
-  const fake_process_t process(" engine\n ");
+  const test_support::fake_process_t process(" engine\n ");
   EXPECT_THAT(processesNamed("engine"), UnorderedElementsAre(QString::fromStdString(process.id())));
 }
 
 TEST(ProcessScan, AWantedNameBeyondFifteenCharactersFindsNothing) {
-  const fake_process_t process("a_process_of_sixteen");
+  const test_support::fake_process_t process("a_process_of_sixteen");
   EXPECT_THAT(processesNamed("a_process_of_sixteen"), IsEmpty());
   EXPECT_THAT(processesNamed("a_process_of_si"), UnorderedElementsAre(QString::fromStdString(process.id())));
 }

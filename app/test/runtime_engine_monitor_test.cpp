@@ -34,7 +34,7 @@ TEST_F(RuntimeEngineMonitorTest, TellsNothingWhileTheEngineIsAway) {
 }
 
 TEST_F(RuntimeEngineMonitorTest, TellsAtTheFirstLookOfAnEngineThatRunsAlready) {
-  const fake_process_t engine("runtime_engine");
+  const test_support::fake_process_t engine("runtime_engine");
   monitor.check();
   EXPECT_THAT(told, ElementsAre(true));
   EXPECT_TRUE(monitor.isRunning());
@@ -42,7 +42,7 @@ TEST_F(RuntimeEngineMonitorTest, TellsAtTheFirstLookOfAnEngineThatRunsAlready) {
 
 TEST_F(RuntimeEngineMonitorTest, TellsOnceWhenTheEngineComesAndOnceWhenItGoes) {
   {
-    const fake_process_t engine("runtime_engine");
+    const test_support::fake_process_t engine("runtime_engine");
     monitor.check();
     monitor.check();
   }
@@ -53,22 +53,22 @@ TEST_F(RuntimeEngineMonitorTest, TellsOnceWhenTheEngineComesAndOnceWhenItGoes) {
 }
 
 TEST_F(RuntimeEngineMonitorTest, AnEngineThatRestartsBetweenTwoLooksIsNoChange) {
-  auto engine = std::make_unique<fake_process_t>("runtime_engine");
+  auto engine = std::make_unique<test_support::fake_process_t>("runtime_engine");
   monitor.check();
   engine.reset();
-  engine = std::make_unique<fake_process_t>("runtime_engine");
+  engine = std::make_unique<test_support::fake_process_t>("runtime_engine");
   monitor.check();
   EXPECT_THAT(told, ElementsAre(true));
 }
 
 TEST_F(RuntimeEngineMonitorTest, AnotherProcessWithALongerNameIsNotTheEngine) {
-  const fake_process_t other("runtime_engine2");
+  const test_support::fake_process_t other("runtime_engine2");
   monitor.check();
   EXPECT_THAT(told, IsEmpty());
 }
 
 TEST(RuntimeEngineMonitorThread, LooksOnItsThreadUntilItIsStoppedDirectly) {
-  const fake_process_t engine("runtime_engine");
+  const test_support::fake_process_t engine("runtime_engine");
   RuntimeEngineMonitor monitor("runtime_engine", 1);
   QThread thread;
   monitor.moveToThread(&thread);

@@ -1,0 +1,10 @@
+#include "app/logging.h"
+
+namespace vgn_control {
+
+const QLoggingCategory& controlLog() {
+  static const QLoggingCategory category("zyl.vgn.control");
+  return category;
+}
+
+}  // namespace vgn_control

@@ -1,0 +1,330 @@
+#include "app/vgn_control.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "test_support/fake_process.h"
+#include "test_support/fake_property_service.h"
+#include "test_support/log_capture.h"
+#include "test_support/qt_loop_until.h"
+#include "zyl/dev_options.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using vgn_control::VgnControl;
+using request_t = test_support::fake_property_service_t::request_t;
+
+constexpr const char* engine_state = "/sys/runtimeengine/state";
+constexpr const char* design_status = "/tarn/design/status";
+constexpr const char* dev_options = "/tarn/design/dev_options";
+constexpr const char* id_mode = "/tarn/mode/id";
+constexpr const char* ui_control = "/vgn_ui/vgn_ui_control";
+constexpr const char* hdmi1_properties = "/sys/hdmi1_properties";
+constexpr const char* hdmi2_properties = "/sys/hdmi2_properties";
+constexpr const char* valid_format = "/vgn_control/receiving_valid_format";
+
+/// A coordinator on a bus where the test is the service. There is no streamer device and no video engine.
+class VgnControlTest : public testing::Test {
+ protected:
+  void TearDown() override {
+    control.reset();
+    unsetenv("VGN_CONTROL_BLOCK");
+  }
+
+  void start() {
+    control = std::make_unique<VgnControl>("", nullptr);
+    QObject::connect(control.get(), &VgnControl::designStatusChanged, control.get(),
+                     [this](const QByteArray& value) { designStatuses.push_back(value.toStdString()); });
+    QObject::connect(control.get(), &VgnControl::validFormatChanged, control.get(),
+                     [this](const QByteArray& value) { validFormats.push_back(value.toStdString()); });
+    // Each property is told once at the start; only what comes after it is the test's.
+    ASSERT_TRUE(test_support::qt_loop_until([this] { return !validFormats.empty(); }));
+    designStatuses.clear();
+    validFormats.clear();
+  }
+
+  void startBlocked() {
+    setenv("VGN_CONTROL_BLOCK", "1", 1);
+    start();
+  }
+
+  // The bus tells a new value, and the coordinator has heard it.
+  void tell(const char* path, const char* value) {
+    service.send({"changed", path, value});
+    service.send({"changed", valid_format, "heard"});
+    ASSERT_TRUE(test_support::qt_loop_until([this] { return !validFormats.empty(); }));
+    validFormats.clear();
+  }
+
+  // What was written to a property so far, in order. A second property, written after, shows that nothing is under way.
+  std::vector<std::string> written(const char* path) {
+    control->setProperty(dev_options, "end");
+    EXPECT_TRUE(service.hears({"set", dev_options, "end"}));
+    std::vector<std::string> values;
+    for (const auto& request : service.requests()) {
+      if (request.size() == 3 && request[0] == "set" && request[1] == path) {
+        values.push_back(request[2]);
+      }
+    }
+    service.forget_requests();
+    return values;
+  }
+
+  bool isWritten(const char* path, const char* value) {
+    return test_support::qt_loop_until([&] {
+      const auto requests = service.requests();
+      return std::find(requests.begin(), requests.end(), request_t{"set", path, value}) != requests.end();
+    });
+  }
+
+  QTimer& idModeTimer() { return *control->findChild<QTimer*>(); }
+  void expireIdMode() { QMetaObject::invokeMethod(&idModeTimer(), "timeout"); }
+
+  // Made before the threads that log, and gone after them.
+  test_support::log_capture_t log{"streamerproxy"};
+  test_support::fake_property_service_t service{test_support::fake_property_service_t::from({
+      {engine_state, ""},
+      {design_status, ""},
+      {dev_options, ""},
+      {id_mode, ""},
+      {ui_control, ""},
+      {hdmi1_properties, ""},
+      {hdmi2_properties, ""},
+      {valid_format, ""},
+  })};
+  std::unique_ptr<VgnControl> control;
+  std::vector<std::string> designStatuses;
+  std::vector<std::string> validFormats;
+};
+
+TEST_F(VgnControlTest, WatchesEightPropertiesInOrder) {
+  startBlocked();
+  std::vector<request_t> expected;
+  for (const char* path : {engine_state, design_status, dev_options, id_mode, ui_control, hdmi1_properties,
+                           hdmi2_properties, valid_format}) {
+    for (const char* command : {"create", "monitor", "get"}) {
+      expected.push_back({command, path});
+    }
+  }
+  auto requests = service.requests();
+  std::erase_if(requests, [](const request_t& request) { return request[0] == "set"; });
+  EXPECT_EQ(requests, expected);
+}
+
+TEST_F(VgnControlTest, AnEngineStateThatIsEmptyAtTheStartIsAStop) {
+  start();
+  EXPECT_TRUE(isWritten(ui_control, "1"));
+}
+
+TEST_F(VgnControlTest, HandsTheScreensToTheDesignWhileTheEngineRunsOrStarts) {
+  start();
+  for (const char* state : {"Running", "Starting"}) {
+    written(ui_control);
+    tell(engine_state, state);
+    EXPECT_THAT(written(ui_control), ElementsAre("0")) << state;
+  }
+  EXPECT_THAT(designStatuses, IsEmpty());
+}
+
+TEST_F(VgnControlTest, TakesAnyOtherEngineStateForAStop) {
+  start();
+  for (const char* state : {"Stopping", "Stopped", "running", ""}) {
+    written(ui_control);
+    designStatuses.clear();
+    tell(engine_state, state);
+    EXPECT_THAT(designStatuses, ElementsAre("Stopped")) << state;
+    EXPECT_THAT(written(ui_control), ElementsAre("1")) << state;
+  }
+}
+
+TEST_F(VgnControlTest, TellsOfAStopBeforeTheVideoSideHearsIt) {
+  start();
+  log.clear();
+  std::optional<bool> video_side_knew;
+  QObject::connect(control.get(), &VgnControl::designStatusChanged, control.get(),
+                   [&] { video_side_knew = log.said("vgn_streamer_proxy::set_design_stopped"); });
+  tell(engine_state, "Stopping");
+  EXPECT_EQ(video_side_knew, false);
+  EXPECT_TRUE(log.said("vgn_streamer_proxy::set_design_stopped"));
+}
+
+TEST_F(VgnControlTest, TellsTheVideoSideThatADesignRuns) {
+  start();
+  tell(engine_state, "Running");
+  EXPECT_TRUE(log.said("vgn_streamer_proxy::set_design_running"));
+}
+
+TEST_F(VgnControlTest, FollowsTheRuntimeEngineProcess) {
+  start();
+  written(ui_control);
+  {
+    const test_support::fake_process_t engine("runtime_engine");
+    EXPECT_TRUE(isWritten(ui_control, "0"));
+    service.forget_requests();
+  }
+  EXPECT_TRUE(isWritten(ui_control, "1"));
+  EXPECT_THAT(designStatuses, ElementsAre("Stopped"));
+}
+
+TEST_F(VgnControlTest, PassesTheDesignStatusOn) {
+  start();
+  tell(design_status, "OK");
+  tell(design_status, "Faulted");
+  EXPECT_THAT(designStatuses, ElementsAre("OK", "Faulted"));
+}
+
+TEST_F(VgnControlTest, PassesTheValidFormatOn) {
+  start();
+  service.send({"changed", valid_format, "1"});
+  EXPECT_TRUE(test_support::qt_loop_until([this] { return validFormats == std::vector<std::string>{"1"}; }));
+}
+
+TEST_F(VgnControlTest, SetsTheDevelopmentOptions) {
+  start();
+  tell(dev_options, "fast loud");
+  EXPECT_TRUE(zyl::dev_options::contains("fast"));
+  EXPECT_TRUE(zyl::dev_options::contains("loud"));
+  tell(dev_options, "");
+  EXPECT_FALSE(zyl::dev_options::contains("fast"));
+}
+
+TEST_F(VgnControlTest, APathWithoutAReactionIsIgnored) {
+  start();
+  EXPECT_NO_THROW(control->propertyMonitorValueChanged("/nobody/asked", "1"));
+  EXPECT_NO_THROW(control->propertyMonitorValueChanged("", ""));
+  tell(ui_control, "1");
+  tell(hdmi1_properties, "640x480");
+  EXPECT_THAT(designStatuses, IsEmpty());
+}
+
+TEST_F(VgnControlTest, DoesNotWriteAPropertyThatItDoesNotWatch) {
+  start();
+  control->setProperty("/nobody/asked", "1");
+  EXPECT_THAT(written("/nobody/asked"), IsEmpty());
+}
+
+TEST_F(VgnControlTest, TheFirstPressOfTheIdKeyTurnsIdModeOnForFiveMinutes) {
+  start();
+  control->idKeyPressed(true);
+  EXPECT_THAT(written(id_mode), ElementsAre("on"));
+  EXPECT_TRUE(idModeTimer().isActive());
+  EXPECT_EQ(idModeTimer().interval(), 300'000);
+}
+
+TEST_F(VgnControlTest, AReleaseOfTheIdKeyDoesNothing) {
+  start();
+  control->idKeyPressed(false);
+  EXPECT_THAT(written(id_mode), IsEmpty());
+}
+
+TEST_F(VgnControlTest, APressDuringIdModeTurnsItOffAndStopsTheTimer) {
+  start();
+  control->idKeyPressed(true);
+  tell(id_mode, "on");
+  control->idKeyPressed(true);
+  EXPECT_THAT(written(id_mode), ElementsAre("on", "off"));
+  EXPECT_FALSE(idModeTimer().isActive());
+}
+
+TEST_F(VgnControlTest, AnythingButOnCountsAsOff) {
+  start();
+  tell(id_mode, "ON");
+  control->idKeyPressed(true);
+  EXPECT_THAT(written(id_mode), ElementsAre("on"));
+}
+
+TEST_F(VgnControlTest, IdModeEndsByItself) {
+  start();
+  control->idKeyPressed(true);
+  expireIdMode();
+  EXPECT_THAT(written(id_mode), ElementsAre("on", "off"));
+  EXPECT_FALSE(idModeTimer().isActive());
+}
+
+TEST_F(VgnControlTest, PublishesTheSizeOfTheFirstOutput) {
+  start();
+  control->hdmiPropertiesChanged(0, "1920x1080p60");
+  control->hdmiPropertiesChanged(0, "1921x1080@60");
+  control->hdmiPropertiesChanged(0, "3840x2160@60");
+  EXPECT_THAT(written(hdmi1_properties), ElementsAre("1920x1080", "961x540", "1920x1080"));
+}
+
+TEST_F(VgnControlTest, PublishesAnyOtherOutputAsTheSecond) {
+  start();
+  control->hdmiPropertiesChanged(1, "640x480@60");
+  control->hdmiPropertiesChanged(7, "800x600@60");
+  EXPECT_THAT(written(hdmi2_properties), ElementsAre("640x480", "800x600"));
+}
+
+TEST_F(VgnControlTest, PublishesADisconnectedOutputAsSuch) {
+  start();
+  control->hdmiPropertiesChanged(0, "disconnected");
+  EXPECT_THAT(written(hdmi1_properties), ElementsAre("disconnected"));
+}
+
+TEST_F(VgnControlTest, PublishesATextWithoutASizeAsEmpty) {
+  start();
+  control->hdmiPropertiesChanged(0, "Disconnected");
+  EXPECT_THAT(written(hdmi1_properties), ElementsAre(""));
+}
+
+TEST_F(VgnControlTest, HearsOfHdmiPropertiesByNameFromAnotherThread) {
+  start();
+  EXPECT_TRUE(QMetaObject::invokeMethod(control.get(), "hdmiPropertiesChanged", Qt::QueuedConnection,
+                                        Q_ARG(quint32, quint32{1}), Q_ARG(QString, QString("1280x720@60"))));
+  EXPECT_TRUE(isWritten(hdmi2_properties, "1280x720"));
+}
+
+TEST_F(VgnControlTest, BlockedItKeepsTheScreensFromTheUiAndStartsNoThread) {
+  startBlocked();
+  EXPECT_THAT(written(ui_control), ElementsAre("0"));
+  const auto threads = control->findChildren<QThread*>();
+  EXPECT_EQ(threads.size(), 2);
+  for (const QThread* thread : threads) {
+    EXPECT_FALSE(thread->isRunning());
+  }
+}
+
+TEST_F(VgnControlTest, UnblockedItRunsTwoThreads) {
+  start();
+  for (const QThread* thread : control->findChildren<QThread*>()) {
+    EXPECT_TRUE(thread->isRunning());
+  }
+}
+
+TEST_F(VgnControlTest, BlockedItFollowsNeitherDesignNorEngine) {
+  startBlocked();
+  written(ui_control);
+  tell(design_status, "OK");
+  tell(engine_state, "Stopped");
+  tell(engine_state, "Running");
+  EXPECT_THAT(designStatuses, IsEmpty());
+  EXPECT_THAT(written(ui_control), IsEmpty());
+  EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST_F(VgnControlTest, BlockedItStillServesIdModeAndDevelopmentOptions) {
+  startBlocked();
+  control->idKeyPressed(true);
+  EXPECT_THAT(written(id_mode), ElementsAre("on"));
+  tell(dev_options, "quiet");
+  EXPECT_TRUE(zyl::dev_options::contains("quiet"));
+}
+
+TEST(VgnControl, WithoutAPropertyServiceItIsIdleAndEnds) {
+  VgnControl control("", nullptr);
+  control.setProperty(ui_control, "1");
+  EXPECT_TRUE(control.findChild<QThread*>()->isRunning());
+}
+
+}  // namespace

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QThread>
+#include <QTimer>
+#include <functional>
+#include <map>
+
+#include "app/runtime_engine_monitor.h"
+#include "app/streamer_controller.h"
+#include "zyl/qt/property_monitor.h"
+
+namespace vgn_control {
+
+/// The coordinator: owns the device-control objects and their threads, and turns property values into what the device
+/// does. Main thread, with an event loop; one a process.
+///
+/// With VGN_CONTROL_BLOCK set to "1" it is blocked for life: no thread is started, design and engine are not followed.
+class VgnControl : public QObject {
+  Q_OBJECT
+
+ public:
+  /// Starts everything. `input`: path of the key input device.
+  VgnControl(const QString& input, QObject* parent);
+
+  /// Ends the threads and waits for them.
+  ~VgnControl() override;
+
+ Q_SIGNALS:
+  /// The design's status, or "Stopped" when the runtime engine stops.
+  void designStatusChanged(QByteArray value);
+  /// The value of "/vgn_control/receiving_valid_format".
+  void validFormatChanged(QByteArray value);
+
+ public Q_SLOTS:
+  /// Reacts to a property; paths without a reaction are ignored.
+  void propertyMonitorValueChanged(QByteArray name, QByteArray value);
+  /// A press toggles id mode, as last told by the bus; a release does nothing.
+  void idKeyPressed(bool pressed);
+  /// Writes a property, provided that it is one of those watched.
+  void setProperty(QByteArray name, QByteArray value);
+  /// The runtime engine runs, or does not. Bears repeats.
+  void runtimeEngineStatusChanged(bool status);
+  /// An output has a new mode, or "disconnected": publishes its size. Index 0 is the first output, any other the
+  /// second.
+  void hdmiPropertiesChanged(quint32 hdmi_index, QString properties);
+
+ private:
+  using Reaction = std::function<void(const QByteArray& value)>;
+
+  std::map<QByteArray, Reaction> makeReactions();
+  void connectMembers();
+  void startThreads();
+  void designStatusUpdated(const QByteArray& value);
+  void engineStateUpdated(const QByteArray& value);
+  void requestIdMode(bool state);
+
+  PropertyMonitor property_monitor;
+  RuntimeEngineMonitor runtime_engine_monitor;
+  StreamerController streamer_controller;
+  QTimer id_mode_timer;
+  QThread streamer_thread;
+  QThread monitor_thread;
+  bool design_ok = false;
+  bool control_blocked = false;
+  const std::map<QByteArray, Reaction> reactions;
+};
+
+}  // namespace vgn_control
