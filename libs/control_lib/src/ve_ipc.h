@@ -36,8 +36,8 @@ namespace control_lib {
 /// The operations are virtual so that a test of their caller can stand in for them.
 class ve_ipc_t : public eipc::receiver_t {
  public:
-  /// `base` must outlive this object. Nothing is connected yet.
-  explicit ve_ipc_t(event_base* base);
+  /// `base` must outlive this object. Nothing is connected yet. A negative interval: no timer, the owner polls.
+  explicit ve_ipc_t(event_base* base, int poll_interval_ms = 200);
   ~ve_ipc_t() override;
 
   ve_ipc_t(const ve_ipc_t&) = delete;

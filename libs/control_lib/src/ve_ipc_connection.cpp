@@ -19,7 +19,6 @@ namespace {
 
 const char* const engine_path = "/var/tarn-engine-ipc/0/video-sp";
 
-constexpr int poll_interval_ms = 200;
 constexpr int video_family = 4;
 
 constexpr useconds_t result_round_us = 5000;
@@ -43,7 +42,7 @@ std::size_t usable_size(int fd) {
 
 }  // namespace
 
-ve_ipc_t::ve_ipc_t(event_base* base)
+ve_ipc_t::ve_ipc_t(event_base* base, int poll_interval_ms)
     : loop_base(base), poll_timer(base, poll_interval_ms, false), alive(std::make_shared<bool>(true)) {
   // Once and for all: the socket holds its receivers' lock while one of them runs.
   socket.add_receiver(this, {eipc::gen::fd_resp_t::kind});

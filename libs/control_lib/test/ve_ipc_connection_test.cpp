@@ -1,0 +1,249 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "control_lib/test/ve_ipc_fixture.h"
+
+using namespace control_lib;
+using namespace std::string_literals;
+using test_support::loop_until;
+
+namespace {
+
+class VeIpcConnection : public ve_ipc_fixture_t {
+ protected:
+  bool loop_until_said(const std::string& line) {
+    return loop_until(loop.base(), [this, line] { return log.said(line); });
+  }
+};
+
+const std::string open_failed = "video_engine ipc open failed";
+const std::string bad_fd = "ve_ipc_t::received bad mmap fd or fstat";
+
+}  // namespace
+
+TEST_F(VeIpcConnection, IsNeitherConnectedNorReadyBeforeOpen) {
+  EXPECT_FALSE(client->is_connected());
+  EXPECT_FALSE(client->ready());
+  EXPECT_EQ(client->status_block(), nullptr);
+}
+
+TEST_F(VeIpcConnection, IsUpOnceTheEngineHasHandedItsBlockOut) {
+  start_engine();
+  open();
+  EXPECT_TRUE(client->is_connected());
+  EXPECT_FALSE(client->ready());
+  ASSERT_TRUE(loop_until(loop.base(), [this] { return client->ready(); }));
+  deliver();
+  EXPECT_EQ(observer.ipc_events, std::vector{ve_ipc_up + 0});
+}
+
+TEST_F(VeIpcConnection, LogsTheNamesOfTheOutputsInTheOrderOfTheBlocksUse) {
+  start_engine();
+  open();
+  ASSERT_TRUE(loop_until_said("video_engine connected"));
+  const std::vector<std::string> expected{
+      "m_videng_status->raw_outs[0]=\"zvid-raw-frame_inject_in_1\"",
+      "m_videng_status->raw_outs[1]=\"zvid-raw-frame_inject_in_0\"",
+      "m_videng_status->uvcs[0]=\"uvc-a\"",
+      "m_videng_status->uvcs[1]=\"\"",
+      "m_videng_status->mc_hdmi_outs[0]=\"\"",
+      "m_videng_status->mc_hdmi_outs[1]=\"\"",
+      "m_videng_status->mc_hdmi_outs[2]=\"\"",
+      "m_videng_status->mc_rtsp_outs[0]=\"\"",
+      "m_videng_status->mc_rtsp_outs[1]=\"\"",
+      "m_videng_status->mc_rtsp_outs[2]=\"\"",
+      "m_videng_status->mc_rtsp_outs[3]=\"\"",
+      "video_engine connected",
+  };
+  EXPECT_EQ(log.lines(), expected);
+}
+
+TEST_F(VeIpcConnection, WithoutAnEngineSaysSoAndTriesAgainWithEachPoll) {
+  open();
+  EXPECT_FALSE(client->is_connected());
+  EXPECT_TRUE(said(spdlog::level::err, open_failed));
+  log.clear();
+  poll();
+  EXPECT_TRUE(said(spdlog::level::err, open_failed));
+  start_engine();
+  poll();
+  ASSERT_TRUE(loop_until(loop.base(), [this] { return client->ready(); }));
+}
+
+TEST_F(VeIpcConnection, ItsTimerFindsAnEngineThatStartsLater) {
+  client = std::make_unique<ve_ipc_t>(loop.base());
+  open();
+  start_engine();
+  EXPECT_TRUE(loop_until(loop.base(), [this] { return client->ready(); }));
+}
+
+TEST_F(VeIpcConnection, AnEngineThatDoesNotAnswerLeavesItConnectedWithoutABlock) {
+  start_engine({.answers = false});
+  open();
+  poll();
+  EXPECT_TRUE(client->is_connected());
+  EXPECT_FALSE(client->ready());
+  EXPECT_TRUE(observer.ipc_events.empty());
+}
+
+TEST_F(VeIpcConnection, AnAnswerWithoutDescriptorIsRefused) {
+  start_engine({.with_descriptor = false});
+  open();
+  ASSERT_TRUE(loop_until_said(bad_fd));
+  EXPECT_TRUE(said(spdlog::level::err, bad_fd));
+  EXPECT_FALSE(client->ready());
+}
+
+TEST_F(VeIpcConnection, AFileThatIsSmallerThanTheBlockIsRefused) {
+  start_engine({.block_size = videng::status_block_t::size - 1});
+  open();
+  ASSERT_TRUE(loop_until_said(bad_fd));
+  EXPECT_FALSE(client->ready());
+  poll();
+}
+
+TEST_F(VeIpcConnection, AFileThatIsLargerThanTheBlockIsTaken) {
+  start_engine({.block_size = videng::status_block_t::size + 5000});
+  open();
+  EXPECT_TRUE(loop_until(loop.base(), [this] { return client->ready(); }));
+}
+
+TEST_F(VeIpcConnection, ASecondBlockReplacesTheFirst) {
+  connect();
+  engine->send_block();
+  ASSERT_TRUE(loop_until_said("video_engine connected"));
+  deliver();
+  EXPECT_TRUE(client->ready());
+  EXPECT_EQ(observer.ipc_events, (std::vector{ve_ipc_up + 0, ve_ipc_up + 0}));
+}
+
+TEST_F(VeIpcConnection, AMessageOfAnotherFamilyIsRefused) {
+  eipc::socket_t sk;
+  zyl::datastream_strio_t data;
+  client->received(sk, "", {5, 1}, data, {});
+  EXPECT_TRUE(said(spdlog::level::err, "ve_ipc_t::received wrong family type"));
+  EXPECT_FALSE(client->ready());
+}
+
+TEST_F(VeIpcConnection, AMessageOfAnotherTypeIsIgnored) {
+  connect();
+  eipc::socket_t sk;
+  zyl::datastream_strio_t data;
+  client->received(sk, "", {4, 77}, data, {});
+  EXPECT_TRUE(log.lines().empty());
+  EXPECT_TRUE(client->ready());
+}
+
+TEST_F(VeIpcConnection, GarbageFromTheEngineChangesNothing) {
+  connect();
+  engine->send("x");
+  engine->send(std::string(16, '\xff'));
+  engine->send("\x04\0\0\0\x01\0\0\0\x09\0\0\0\0\0\0\0"s);
+  engine->send_block();
+  ASSERT_TRUE(loop_until_said("video_engine connected"));
+  EXPECT_TRUE(client->ready());
+}
+
+TEST_F(VeIpcConnection, AnEngineThatGoesAwayIsToldAndLookedForAgain) {
+  connect();
+  engine->disconnect();
+  ASSERT_TRUE(loop_until(loop.base(), [this] { return !client->is_connected(); }));
+  deliver();
+  EXPECT_FALSE(client->ready());
+  EXPECT_EQ(client->status_block(), nullptr);
+  EXPECT_TRUE(said(spdlog::level::warn, "video_engine disconnected"));
+  EXPECT_EQ(observer.ipc_events, (std::vector{ve_ipc_up + 0, ve_ipc_down + 0}));
+
+  poll();
+  ASSERT_TRUE(loop_until(loop.base(), [this] { return client->ready(); }));
+  deliver();
+  EXPECT_EQ(observer.ipc_events, (std::vector{ve_ipc_up + 0, ve_ipc_down + 0, ve_ipc_up + 0}));
+  EXPECT_EQ(engine->connections(), 2);
+}
+
+TEST_F(VeIpcConnection, ADisconnectFreesHandlesAndForgetsOutputs) {
+  connect();
+  const int handle = client->open_decoder(dmabuf, {{"a", 0}}, "", &observer);
+  ASSERT_EQ(handle, 0);
+  ASSERT_TRUE(client->configure_raw_out(0, 0, 1920, 1080, true, false));
+  engine->disconnect();
+  ASSERT_TRUE(loop_until(loop.base(), [this] { return !client->is_connected(); }));
+  EXPECT_EQ(client->decoder_of(handle), -1);
+  EXPECT_EQ(client->instance_of(handle), -1);
+  client->close_decoder(handle, false);
+
+  poll();
+  ASSERT_TRUE(loop_until(loop.base(), [this] { return client->ready(); }));
+  int decoder = 0;
+  int width = 0;
+  int height = 0;
+  client->raw_out_configuration(0, &decoder, &width, &height);
+  EXPECT_EQ((std::vector{decoder, width, height}), (std::vector{-1, -1, -1}));
+  EXPECT_EQ(client->open_decoder(dmabuf, {{"a", 0}}, "", &observer), 0);
+  EXPECT_EQ(engine->decoder_configs().size(), 2U);
+}
+
+TEST_F(VeIpcConnection, CloseAllDisconnectsWithoutTellingAndPollsNoMore) {
+  client = std::make_unique<ve_ipc_t>(loop.base());
+  connect();
+  client->close_all();
+  EXPECT_FALSE(client->is_connected());
+  bool later = false;
+  zyl::sigc_timer_t wait(loop.base(), 500, true);
+  wait.expired.connect([&later] { later = true; });
+  wait.arm();
+  ASSERT_TRUE(loop_until(loop.base(), [&later] { return later; }));
+  EXPECT_FALSE(client->is_connected());
+  EXPECT_EQ(engine->connections(), 1);
+  EXPECT_EQ(observer.ipc_events, std::vector{ve_ipc_up + 0});
+}
+
+TEST_F(VeIpcConnection, OpeningAgainConnectsAnew) {
+  connect();
+  client->open(false);
+  ASSERT_TRUE(loop_until(loop.base(), [this] { return client->ready(); }));
+  EXPECT_EQ(engine->connections(), 2);
+}
+
+TEST_F(VeIpcConnection, AnEventThatIsPostedWhenTheClientEndsIsNotDelivered) {
+  client->add_ipc_observer(&observer);
+  client->add_ipc_observer(nullptr);
+  client->open(true);
+  client.reset();
+  deliver();
+  EXPECT_TRUE(observer.ipc_events.empty());
+}
+
+TEST_F(VeIpcConnection, SimulatedIsUpAtOnceWithThreeDecoders) {
+  client->add_ipc_observer(&observer);
+  client->open(true);
+  deliver();
+  EXPECT_TRUE(client->is_connected());
+  EXPECT_TRUE(client->ready());
+  EXPECT_EQ(observer.ipc_events, std::vector{ve_ipc_up + 0});
+  ASSERT_NE(client->status_block(), nullptr);
+  const int first = client->open_decoder(visengi, {{"a", 0}}, "", &observer);
+  const int second = client->open_decoder(visengi, {{"b", 0}}, "", &observer);
+  const int third = client->open_decoder(videng::depayloader_mediacast_rtsp, {{"c", 0}}, "", &observer);
+  EXPECT_EQ(client->decoder_of(first), 0);
+  EXPECT_EQ(client->decoder_of(second), 1);
+  EXPECT_EQ(client->instance_of(second), 1);
+  EXPECT_EQ(client->decoder_of(third), 2);
+  EXPECT_EQ(client->open_decoder(visengi, {{"d", 0}}, "", &observer), -1);
+}
+
+TEST_F(VeIpcConnection, SimulatedPollsItsOwnMemory) {
+  client->open(true);
+  const int handle = client->open_decoder(visengi, {{"a", 0}}, "", &observer);
+  const videng::status_block_t block(
+      {reinterpret_cast<std::byte*>(client->status_block()), videng::status_block_t::size});
+  block.decoder(0).rx_count().add(1);
+  poll();
+  EXPECT_EQ(observer.take(), (recording_observer_t::decoder_events_t{{handle, ve_stream_up}}));
+  client->close_all();
+  EXPECT_EQ(client->status_block(), nullptr);
+  EXPECT_FALSE(client->is_connected());
+}
