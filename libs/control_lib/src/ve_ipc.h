@@ -148,12 +148,14 @@ class ve_ipc_t : public eipc::receiver_t {
   int claim(decoder_t& decoder, decoder_handle_t claimed) ZYL_REQUIRES(mutex);
   void intersect_uris(decoder_t& decoder) ZYL_REQUIRES(mutex);
   bool choose_uri(decoder_t& decoder, bool force) ZYL_REQUIRES(mutex);
+  void send_decoder_config(std::size_t index, const std::string& uri, const std::string& key) ZYL_REQUIRES(mutex);
   bool configure_decoder(decoder_t& decoder, bool force) ZYL_REQUIRES(mutex);
   void restart_watches(decoder_t& decoder) ZYL_REQUIRES(mutex);
   void tell_where_it_stands(const decoder_t& decoder, int handle) ZYL_REQUIRES(mutex);
 
   // Outputs
   std::optional<std::size_t> find_raw_out(int n) const ZYL_REQUIRES(mutex);
+  void send_raw_out_config(std::size_t index, const raw_out_t& wanted) ZYL_REQUIRES(mutex);
 
   void send(const eipc::message_type& type, const eipc::message_base_t& message) ZYL_REQUIRES(mutex);
   static bool wait_for_result(videng::status_result_t result, std::ostringstream& line);

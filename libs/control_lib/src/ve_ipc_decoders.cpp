@@ -235,6 +235,14 @@ bool ve_ipc_t::choose_uri(decoder_t& decoder, bool force) {
   return true;
 }
 
+void ve_ipc_t::send_decoder_config(std::size_t index, const std::string& uri, const std::string& key) {
+  videng::decoder_config_t message;
+  message.decoder = static_cast<uint8_t>(index);
+  message.uri = uri;
+  message.key = key;
+  send(videng::decoder_config_t::kind, message);
+}
+
 bool ve_ipc_t::configure_decoder(decoder_t& decoder, bool force) {
   if (!m_videng_status || decoder.index < 0 || !choose_uri(decoder, force)) {
     return false;
@@ -250,11 +258,7 @@ bool ve_ipc_t::configure_decoder(decoder_t& decoder, bool force) {
   if (simulated) {
     log_info_s() << line.str();
   } else {
-    videng::decoder_config_t message;
-    message.decoder = static_cast<uint8_t>(index);
-    message.uri = decoder.uri.uri;
-    message.key = decoder.key;
-    send(videng::decoder_config_t::kind, message);
+    send_decoder_config(index, decoder.uri.uri, decoder.key);
     static_cast<void>(wait_for_result(entry.config_result(), line));  // the poll tells what came of a failure
   }
   entry.clear_counters();

@@ -33,6 +33,15 @@ void ve_ipc_t::raw_out_configuration(int n, int* out_decoder, int* out_width, in
   *out_height = remembered.height;
 }
 
+void ve_ipc_t::send_raw_out_config(std::size_t index, const raw_out_t& wanted) {
+  videng::raw_out_config_t message;
+  message.raw_out = static_cast<uint32_t>(index);
+  message.decoder = static_cast<uint32_t>(wanted.decoder);
+  message.width = static_cast<uint32_t>(wanted.width);
+  message.height = static_cast<uint32_t>(wanted.height);
+  send(videng::raw_out_config_t::kind, message);
+}
+
 bool ve_ipc_t::configure_raw_out(int n, int decoder, int width, int height, bool wait, bool force) {
   const zyl::recursive_lock_t lock(mutex);
   if (!m_videng_status) {
@@ -51,12 +60,7 @@ bool ve_ipc_t::configure_raw_out(int n, int decoder, int width, int height, bool
   const videng::status_result_t result = m_videng_status->raw_out_config_result(*index);
   result.store(0);
   if (!simulated) {
-    videng::raw_out_config_t message;
-    message.raw_out = static_cast<uint32_t>(*index);
-    message.decoder = static_cast<uint32_t>(decoder);
-    message.width = static_cast<uint32_t>(width);
-    message.height = static_cast<uint32_t>(height);
-    send(videng::raw_out_config_t::kind, message);
+    send_raw_out_config(*index, wanted);
   }
   raw_out[*index] = wanted;
 

@@ -1,6 +1,5 @@
 #include "control_lib/src/ve_decoder_rules.h"
 #include "control_lib/src/ve_ipc.h"
-#include "engine_lib/videng_messages.h"
 #include "zyl/clock.h"
 #include "zyl/log/module_logger.h"
 
@@ -147,9 +146,7 @@ void ve_ipc_t::give_up_or_clear(std::size_t i, bool restarting) {
     return;
   }
   if (!simulated) {
-    videng::decoder_config_t message;
-    message.decoder = static_cast<uint8_t>(i);
-    send(videng::decoder_config_t::kind, message);
+    send_decoder_config(i, "", "");
   }
   log_error_s() << "Decoder " << i << " has timed out (" << uri << ").  Decoder config cleared.  Restarting in "
                 << restart_delay_ms << "ms.";

@@ -1,10 +1,13 @@
 #include "engine_lib/engine_ipc_manager.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
+
+#include "test_support/log_capture.h"
 
 using eipc::manager_t;
 
@@ -64,10 +67,25 @@ TEST(EngineIpcManager, ClosingRemovesThePathAndLeavesOtherIdsAlone) {
   EXPECT_FALSE(exists("/var/tarn-engine-ipc/1/peer"));
   EXPECT_TRUE(exists("/var/tarn-engine-ipc/2/peer"));
   EXPECT_TRUE(manager_t::sk(2).is_open());
-  manager_t::close("peer", 1);
 }
 
-TEST(EngineIpcManager, HasAnEmptyNameBeforeTheFirstSocket) { EXPECT_EQ(manager_t::get_name(), ""); }
+TEST(EngineIpcManager, ClosingAnIdThatIsNotBoundIsToldWithItsPlace) {
+  manager_t::init("peer", 1, false);
+  const test_support::log_capture_t log("eng_engine_ipc");
+  manager_t::close("peer", 2);
+  const auto entries = log.entries();
+  ASSERT_EQ(entries.size(), 1U);
+  EXPECT_EQ(entries[0].level, spdlog::level::critical);
+  EXPECT_THAT(entries[0].text, testing::MatchesRegex(" .[0-9]+.: .libs/engine_lib/engine_ipc_manager.cpp:[0-9]+. "
+                                                     "no socket not found at 2"));
+}
+
+TEST(EngineIpcManager, HasAnEmptyNameBeforeTheFirstSocketAndSaysSo) {
+  const test_support::log_capture_t log("eng_engine_ipc");
+  EXPECT_EQ(manager_t::get_name(), "");
+  ASSERT_EQ(log.lines().size(), 1U);
+  EXPECT_THAT(log.lines()[0], testing::EndsWith("] no eipc manager to grab name"));
+}
 
 TEST(EngineIpcManagerDeathTest, ASecondNameEndsTheProcess) {
   manager_t::init("peer", 1, false);

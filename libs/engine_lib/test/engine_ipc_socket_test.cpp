@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "engine_lib/engine_ipc_crc.h"
+#include "test_support/log_capture.h"
 
 using namespace std::string_literals;
 using eipc::message_type;
@@ -253,11 +254,26 @@ TEST_F(EngineIpcSocket, ARemovedReceiverHearsNothingMoreOfAnyType) {
   EXPECT_TRUE(receiver.payloads.empty());
 }
 
-TEST_F(EngineIpcSocket, VerboseChangesNothingButTheLog) {
+TEST_F(EngineIpcSocket, VerboseTellsTheSizesOfEveryFrame) {
+  const test_support::log_capture_t log("eng_engine_ipc");
   socket->verbose = true;
   EXPECT_EQ(socket->sendto({4, 6}, bytes_message_t("x"), ""), 17);
   send_raw(frame(4, 7, "payload"));
   EXPECT_EQ(get_message(), 1);
+  const std::vector<std::string> expected{
+      "socket_t::sendto() size of msg: 1",           "                size of common: 16",
+      "socket_t::process pending size on socket 23", "socket_t::process read chars 23",
+      "        common.len 7   w.data().size() 7",
+  };
+  EXPECT_EQ(log.lines(), expected);
+}
+
+TEST_F(EngineIpcSocket, WithoutVerboseNothingIsTold) {
+  const test_support::log_capture_t log("eng_engine_ipc", spdlog::level::trace);
+  EXPECT_EQ(socket->sendto({4, 6}, bytes_message_t("x"), ""), 17);
+  send_raw(frame(4, 7, 99, 0, "dropped"));
+  EXPECT_EQ(get_message(), 0);
+  EXPECT_TRUE(log.lines().empty());
 }
 
 TEST(EngineIpcDatagramSocket, ADatagramTellsItsSendersPath) {
