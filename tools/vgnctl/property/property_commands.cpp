@@ -1,11 +1,13 @@
 #include "tools/vgnctl/property/property_commands.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "zyl/clock.h"
 #include "zyl/property_client.h"
 
 namespace vgnctl {
@@ -15,7 +17,7 @@ constexpr int done = 0;
 constexpr int service_failed = 1;
 constexpr int bad_usage = 2;
 
-constexpr int answer_timeout_ms = 1000;
+constexpr int64_t answer_timeout_ms = 1000;
 constexpr int no_timeout = -1;
 constexpr std::size_t longest_frame = zyl::property_frame_header_size + 65535;
 
@@ -32,13 +34,32 @@ int tell_no_answer(const std::string& path) {
   return service_failed;
 }
 
+/// Asks for the value and waits for the answer, past whatever else the service says meanwhile.
+bool read(zyl::property_client_t& client, const std::string& path, std::string& value) {
+  const int64_t deadline = zyl::now_ms() + answer_timeout_ms;
+  client.get(path);
+  std::string command;
+  std::string about;
+  for (int64_t left = answer_timeout_ms; left > 0 && !client.hung_up(); left = deadline - zyl::now_ms()) {
+    client.receive(command, about, value, static_cast<int>(left));
+    if (command == "get_response" && about == path) {
+      return true;
+    }
+    if (command == "error" && about == "no_property") {
+      value.clear();
+      return true;
+    }
+  }
+  return false;
+}
+
 int get(const std::string& path) {
   zyl::property_client_t client;
   if (!connect(client)) {
     return service_failed;
   }
   std::string value;
-  if (!client.read(path, value, answer_timeout_ms)) {
+  if (!read(client, path, value)) {
     return tell_no_answer(path);
   }
   std::cout << path << '=' << value << '\n';
@@ -56,7 +77,7 @@ int set(const std::string& path, const std::string& value) {
   }
   // A request has no answer of its own. Once a later one is answered, the service has done this one too.
   std::string ignored;
-  if (!client.set(path, value) || !client.read(path, ignored, answer_timeout_ms)) {
+  if (!client.set(path, value) || !read(client, path, ignored)) {
     return tell_no_answer(path);
   }
   return done;

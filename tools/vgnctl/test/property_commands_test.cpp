@@ -114,6 +114,16 @@ TEST(PropertyGet, ServiceThatDoesNotAnswerIsAFailure) {
   EXPECT_EQ(outcome.error, "vgnctl: the property service gave no answer for /sys/name\n");
 }
 
+TEST(PropertyGet, AnswerIsFoundBehindJunkAndOtherMessages) {
+  const fake_property_service_t service([](const fake_property_service_t::request_t& /*request*/, int /*client*/) {
+    return "junk" + zyl::build_frame({"changed", "/a"}) + zyl::build_frame({"changed", "/a", "1"}) +
+           zyl::build_frame({"get_response", "/b", "2"}) + zyl::build_frame({"get_response", "/a", "3"});
+  });
+  const auto outcome = run("property get /a");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "/a=3\n");
+}
+
 TEST(PropertySet, WritesTheValueAndWaitsUntilTheServiceHasIt) {
   const fake_property_service_t service(fake_property_service_t::from({}));
   const auto outcome = run("property set /sys/name 'a b'");
