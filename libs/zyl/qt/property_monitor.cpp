@@ -1,8 +1,5 @@
 #include "zyl/qt/property_monitor.h"
 
-#include <QSocketNotifier>
-#include <string>
-
 namespace {
 
 std::string textOf(const QByteArray& bytes) { return {bytes.constData()}; }
@@ -14,8 +11,8 @@ QByteArray bytesOf(const std::string& text) { return {text.c_str()}; }
 PropertyMonitor::PropertyMonitor(const QList<QByteArray>& paths, QObject* parent) : QObject(parent) {
   // Without a service the notifier gets descriptor -1, which it only warns of: the cache works and stays empty.
   client.connect();
-  notifier = new QSocketNotifier(client.descriptor(), QSocketNotifier::Read, this);
-  connect(notifier, SIGNAL(activated(int)), SLOT(readReady(int)));
+  notifier = std::make_unique<QSocketNotifier>(client.descriptor(), QSocketNotifier::Read, this);
+  connect(notifier.get(), SIGNAL(activated(int)), SLOT(readReady(int)));
   notifier->setEnabled(true);
   addProperties(paths);
 }

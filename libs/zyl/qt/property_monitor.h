@@ -4,10 +4,11 @@
 #include <QList>
 #include <QMap>
 #include <QObject>
+#include <QSocketNotifier>
+#include <memory>
+#include <string>
 
 #include "zyl/property_client.h"
-
-class QSocketNotifier;
 
 /// A cache of chosen properties of the bus, on a connection of its own. Needs an event loop; its thread only.
 ///
@@ -35,13 +36,11 @@ class PropertyMonitor : public QObject {
   /// A watched property was told by the service, with a new value or with the same. Texts end at their first NUL.
   void valueChanged(const QByteArray& name, const QByteArray& value);
 
- private Q_SLOTS:
-  void readReady(int descriptor);
-
  private:
+  Q_SLOT void readReady(int descriptor);
   void take(const std::string& command, const QByteArray& path, const QByteArray& value);
 
   zyl::property_client_t client;
   QMap<QByteArray, QByteArray> values;
-  QSocketNotifier* notifier;
+  std::unique_ptr<QSocketNotifier> notifier;
 };

@@ -37,6 +37,20 @@ void PrintTo(const message_t& message, std::ostream* out) {
 const message_t none{};
 const message_t bad_payload{false, "error", "bad_payload", ""};
 
+/// A service that listens and does nothing more.
+struct idle_service_t {
+  idle_service_t() {
+    const sockaddr_un address{AF_UNIX, "/tmp/.tarn_property_ipc"};
+    EXPECT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(::listen(listener, 1), 0);
+  }
+  ~idle_service_t() { ::close(listener); }
+  idle_service_t(const idle_service_t&) = delete;
+  idle_service_t& operator=(const idle_service_t&) = delete;
+
+  const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+};
+
 /// A client that is connected to a service.
 class PropertyClient : public testing::Test {
  protected:
@@ -270,10 +284,7 @@ TEST(PropertyClientAlone, IsRefusedWithoutAServiceAndThenRefusesEverything) {
 }
 
 TEST(PropertyClientAlone, GivesUpOnAServiceThatTakesNothing) {
-  sockaddr_un address{AF_UNIX, "/tmp/.tarn_property_ipc"};
-  const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  ASSERT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-  ASSERT_EQ(::listen(listener, 1), 0);
+  const idle_service_t service;
   zyl::property_client_t client;
   ASSERT_TRUE(client.connect());
   int sent = 0;
@@ -281,5 +292,15 @@ TEST(PropertyClientAlone, GivesUpOnAServiceThatTakesNothing) {
     ASSERT_LT(++sent, 1000);
   }
   EXPECT_TRUE(client.is_connected());
-  ::close(listener);
+}
+
+TEST(PropertyClientAlone, BrokenPipeIsAFailureAndNoSignal) {
+  const idle_service_t service;
+  zyl::property_client_t client;
+  ASSERT_TRUE(client.connect());
+  const int peer = ::accept(service.listener, nullptr, nullptr);
+  ASSERT_EQ(::shutdown(peer, SHUT_RD), 0);
+  EXPECT_FALSE(client.set("/a", "1"));
+  EXPECT_TRUE(client.is_connected());
+  ::close(peer);
 }
