@@ -57,6 +57,17 @@ class PropertyMonitorEngine : public testing::Test {
     return loop_until(loop.base(), [&] { return ran; });
   }
 
+  /// How many events of the loop wait for a descriptor.
+  int watched_descriptors() {
+    int count = 0;
+    const auto add = [](const event_base* /*base*/, const event* seen, void* counted) {
+      *static_cast<int*>(counted) += (event_get_events(seen) & EV_READ) != 0 ? 1 : 0;
+      return 0;
+    };
+    event_base_foreach_event(loop.base(), add, &count);
+    return count;
+  }
+
   zyl::event_loop_t loop;
   std::unique_ptr<fake_property_service_t> service = std::make_unique<fake_property_service_t>();
   recording_observer_t observer;
@@ -154,6 +165,16 @@ TEST_F(PropertyMonitorEngine, ConnectingAgainWatchesTheNewConnection) {
   service->send({"changed", "/a", "1"});
   ASSERT_TRUE(hears(observer, 1));
   EXPECT_THAT(observer.heard, ElementsAre(FieldsAre(changed, "/a", "1")));
+}
+
+TEST_F(PropertyMonitorEngine, FailedReconnectionLeavesNothingOnTheClosedDescriptor) {
+  const int before = watched_descriptors();
+  property_monitor_engine_t engine(loop.base());
+  EXPECT_EQ(watched_descriptors(), before + 1);
+  service = nullptr;
+  engine.connect();
+  ASSERT_TRUE(posts_ran());
+  EXPECT_EQ(watched_descriptors(), before);
 }
 
 TEST_F(PropertyMonitorEngine, ObserverMayJoinFromAnotherThreadWhileTheLoopRuns) {

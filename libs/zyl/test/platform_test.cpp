@@ -240,8 +240,9 @@ TEST(PlatformFromBusDeathTest, TwoFailedAttemptsEndTheProcess) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
-        const fake_property_service_t service([](const fake_property_service_t::request_t& /*request*/, int client) {
-          return client < 2 ? zyl::build_frame({"changed", "/other", "1"}) : std::string();
+        const auto answer = fake_property_service_t::from(streamer_values());
+        const fake_property_service_t service([&](const fake_property_service_t::request_t& request, int client) {
+          return client < 2 ? zyl::build_frame({"changed", "/other", "1"}) : answer(request, client);
         });
         read_the_bus_with_output_on_stderr();
       },
