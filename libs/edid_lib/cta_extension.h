@@ -18,7 +18,8 @@ namespace edid_lib {
 ///     d    detailed timings, 18 bytes each
 ///     127  checksum
 ///
-/// Tag and revision are put right, the checksum is not looked at.
+/// Tag and revision are put right, the checksum is not looked at. There are detailed timings if the byte at d is not 0,
+/// so a first timing whose clock is a multiple of 2.56 MHz hides them all (a 2560x1440 display at 640 MHz does).
 class cta_extension_t final : public extension_block_t {
  public:
   static constexpr uint8_t own_tag = 2;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace edid_lib {
@@ -13,7 +14,7 @@ class rate_text_t {
   std::string_view view() const { return {characters, length}; }
 
  private:
-  char characters[16];
+  char characters[16] = {};
   std::size_t length;
 };
 

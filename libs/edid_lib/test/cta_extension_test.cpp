@@ -60,6 +60,13 @@ TEST(CtaExtension, OffsetFourMeansNoBlocksButDetailedTimings) {
   EXPECT_EQ(names_of(cta_extension_t(extension(4, {}))), (names_t{"CTA Extension"}));
 }
 
+TEST(CtaExtension, AFirstTimingWhoseClockEndsInAZeroByteHidesTheDetailedTimings) {
+  auto bytes = entry_bytes();
+  bytes[0] = 0x00;
+  bytes[1] = 0xFA;
+  EXPECT_EQ(names_of(cta_extension_t(extension(4, bytes))), (names_t{"CTA Extension"}));
+}
+
 TEST(CtaExtension, OffsetInsideTheHeaderStartsTheDetailedTimingsThere) {
   EXPECT_EQ(names_of(cta_extension_t(extension(1, {}))), (names_t{"CTA Extension", "Detailed Timings at 1 for 7"}));
 }
