@@ -5,11 +5,8 @@
 
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
 
 class vgn_zsd_discovery : public vgn_zsd_fixture {
  protected:

@@ -1,7 +1,7 @@
 #include "vgn/src/system.h"
 
 #include <array>
-#include <cstring>
+#include <cerrno>
 #include <span>
 #include <utility>
 
@@ -88,7 +88,7 @@ void system_t::on_readable(evutil_socket_t /*fd*/, short /*events*/, void* self)
 }
 
 void system_t::read_events() {
-  std::array<vgn_event_t, 64> records;
+  std::array<vgn_event_t, 64> records{};
   while (attached()) {
     const int64_t size = device->read(std::as_writable_bytes(std::span(records)));
     if (size == -EAGAIN) {

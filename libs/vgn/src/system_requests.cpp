@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "vgn/src/audio_clock.h"
 #include "vgn/src/system.h"
