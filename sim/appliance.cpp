@@ -1,5 +1,7 @@
 #include "sim/appliance.h"
 
+#include "sim/identity.h"
+
 namespace sim {
 
 appliance_t::appliance_t(const model_t& model, const std::string& story_file)

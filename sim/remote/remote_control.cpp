@@ -178,6 +178,49 @@ outcome_t remote_control_t::expect_timing(int output, uint32_t width, uint32_t h
   return outcome;
 }
 
+outcome_t remote_control_t::expect_raw_out(int output, uint32_t width, uint32_t height, limit_t limit) {
+  const std::string size = std::to_string(width) + " " + std::to_string(height);
+  const auto fed = [&size](const std::string& raw_out) {
+    return !raw_out.starts_with('-') && raw_out.ends_with(" " + size);
+  };
+  outcome_t outcome = wait_property("/sim/engine/raw_out/" + std::to_string(output), fed, limit);
+  if (!outcome) {
+    outcome.seen += ", not a decoder and " + size;
+  }
+  return outcome;
+}
+
+outcome_t remote_control_t::expect_decoder(const std::string& uri, limit_t limit) {
+  return wait_decoder(uri, true, limit);
+}
+
+outcome_t remote_control_t::expect_no_decoder(const std::string& uri, limit_t limit) {
+  return wait_decoder(uri, false, limit);
+}
+
+// Which of the decoders serves a URI is the client's choice, so all of them are looked at whenever one changes.
+outcome_t remote_control_t::wait_decoder(const std::string& uri, bool wanted, limit_t limit) {
+  const std::string folder = "/sim/engine/decoder";
+  const auto deadline = steady_t::now() + limit;
+  for (const auto& [path, value] : below(folder)) {
+    if (watched.insert(path).second) {
+      client.monitor(path);
+    }
+  }
+  for (;;) {
+    const auto decoders = below(folder);
+    const auto serving =
+        std::find_if(decoders.begin(), decoders.end(), [&uri](const auto& decoder) { return decoder.second == uri; });
+    if ((serving != decoders.end()) == wanted) {
+      return {true, wanted ? serving->first + " plays " + uri : "no decoder plays " + uri};
+    }
+    if (!next_message(deadline)) {
+      return {false, (wanted ? "no decoder plays " : "a decoder still plays ") + uri + " after " +
+                         std::to_string(limit.count()) + " ms"};
+    }
+  }
+}
+
 int remote_control_t::edid_reads(int output) {
   const std::string count = value(hdmi_path(output, "edid_reads"));
   return count.empty() ? 0 : std::stoi(count);

@@ -71,6 +71,13 @@ class remote_control_t {
   /// Waits until the driver was given a timing of this size, in pixels, for the output.
   outcome_t expect_timing(int output, uint32_t width, uint32_t height, limit_t limit = generous_limit);
 
+  /// Waits until the engine's raw output for the display is fed by a decoder and has this size.
+  outcome_t expect_raw_out(int output, uint32_t width, uint32_t height, limit_t limit = generous_limit);
+
+  /// Waits until a decoder of the engine is configured for this URI, or none is.
+  outcome_t expect_decoder(const std::string& uri, limit_t limit = generous_limit);
+  outcome_t expect_no_decoder(const std::string& uri, limit_t limit = generous_limit);
+
   /// How often the EDID of the output's displays was read.
   int edid_reads(int output);
 
@@ -100,6 +107,7 @@ class remote_control_t {
     bool concerns(const std::string& asked) const;
   };
 
+  outcome_t wait_decoder(const std::string& uri, bool wanted, limit_t limit);
   std::optional<message_t> next_message(deadline_t deadline);
 
   zyl::property_client_t client;

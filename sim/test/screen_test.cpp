@@ -48,10 +48,10 @@ TEST_F(Screen, TheSplashIsSeenWhenAllPartsDoTheirs) {
 
 TEST_F(Screen, AnyPartMissingLeavesItDark) {
   const std::pair<const char*, const char*> faults[] = {
-      {"/sim/hdmi/0/timing", ""},      {"/sim/hdmi/0/source", ""},          {"/sim/engine/running", "0"},
-      {"/sim/engine/decoder/5", ""},   {"/sim/engine/raw_out/0", "-1 0 0"}, {"/sim/engine/raw_out/0", ""},
-      {"/sim/splash/0/drawn", ""},     {"/sim/splash/0/drawn", "disable"},  {"/sim/hdmi/0/source", "hdmi_in_0"},
-      {"/sim/engine/raw_out/0", "1 x"}};
+      {"/sim/hdmi/0/timing", ""},       {"/sim/hdmi/0/source", ""},          {"/sim/engine/running", "0"},
+      {"/sim/engine/decoder/5", ""},    {"/sim/engine/raw_out/0", "-1 0 0"}, {"/sim/engine/raw_out/0", ""},
+      {"/sim/splash/0/drawn", ""},      {"/sim/splash/0/drawn", "disable"},  {"/sim/hdmi/0/source", "hdmi_in_0"},
+      {"/sim/engine/raw_out/0", "1 x"}, {"/sim/engine/raw_out/0", "1 0 0"}};
   for (const auto& [path, value] : faults) {
     show_splash();
     ASSERT_EQ(shown(), "splash boot_splash_screen at 1920x1080");
