@@ -104,7 +104,7 @@ void VgnControl::startThreads() {
   monitor_thread.start();
 }
 
-void VgnControl::propertyMonitorValueChanged(QByteArray name, QByteArray value) {
+void VgnControl::propertyMonitorValueChanged(const QByteArray& name, const QByteArray& value) {
   if (const auto reaction = reactions.find(name); reaction != reactions.end()) {
     reaction->second(value);
   }
@@ -140,7 +140,7 @@ void VgnControl::runtimeEngineStatusChanged(bool status) {
   setProperty(ui_control_path, ui_has_screens);
 }
 
-void VgnControl::setProperty(QByteArray name, QByteArray value) {
+void VgnControl::setProperty(const QByteArray& name, const QByteArray& value) {
   qCInfo(controlLog) << "Set propety " << name << " to value: " << value;
   property_monitor.setValue(name, value);
 }
@@ -162,7 +162,7 @@ void VgnControl::requestIdMode(bool state) {
   id_mode_timer.stop();
 }
 
-void VgnControl::hdmiPropertiesChanged(quint32 hdmi_index, QString properties) {
+void VgnControl::hdmiPropertiesChanged(quint32 hdmi_index, const QString& properties) {
   qCDebug(controlLog).noquote() << QStringLiteral("HDMI out %1 properties changed: %2").arg(hdmi_index).arg(properties);
   const QByteArray& path = hdmi_index != 0 ? hdmi2_properties_path : hdmi1_properties_path;
   setProperty(path, publishedProperties(properties).toLocal8Bit());

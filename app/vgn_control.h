@@ -30,22 +30,22 @@ class VgnControl : public QObject {
 
  Q_SIGNALS:
   /// The design's status, or "Stopped" when the runtime engine stops.
-  void designStatusChanged(QByteArray value);
+  void designStatusChanged(const QByteArray& value);
   /// The value of "/vgn_control/receiving_valid_format".
-  void validFormatChanged(QByteArray value);
+  void validFormatChanged(const QByteArray& value);
 
  public Q_SLOTS:
   /// Reacts to a property; paths without a reaction are ignored.
-  void propertyMonitorValueChanged(QByteArray name, QByteArray value);
+  void propertyMonitorValueChanged(const QByteArray& name, const QByteArray& value);
   /// A press toggles id mode, as last told by the bus; a release does nothing.
   void idKeyPressed(bool pressed);
   /// Writes a property, provided that it is one of those watched.
-  void setProperty(QByteArray name, QByteArray value);
+  void setProperty(const QByteArray& name, const QByteArray& value);
   /// The runtime engine runs, or does not. Bears repeats.
   void runtimeEngineStatusChanged(bool status);
   /// An output has a new mode, or "disconnected": publishes its size. Index 0 is the first output, any other the
   /// second.
-  void hdmiPropertiesChanged(quint32 hdmi_index, QString properties);
+  void hdmiPropertiesChanged(quint32 hdmi_index, const QString& properties);
 
  private:
   using Reaction = std::function<void(const QByteArray& value)>;
