@@ -11,8 +11,10 @@ namespace {
 
 constexpr std::chrono::milliseconds end_limit{20'000};
 
-// Where the sanitizers of all programs of a test write, each with its process id behind this.
-constexpr const char* report_path = "/tmp/sanitizer_report";
+// Where the sanitizers of all programs of a test write, each with its process id behind the name. The name is relative,
+// because a sanitizer makes the folders of a path before the library that stands for the devices is ready for that.
+constexpr const char* report_folder = "/tmp";
+constexpr const char* report_name = "sanitizer_report";
 
 constexpr int outputs_with_splash = 2;
 
@@ -20,7 +22,8 @@ std::string leak_check_library() { return sim::program_folder() + "/libleak_chec
 
 /// A sanitizer reads its options when a program starts, so this reaches the programs that the test will start.
 void send_sanitizer_reports_to_file() {
-  const std::string options = std::string("log_path=") + report_path;
+  std::filesystem::current_path(report_folder);
+  const std::string options = std::string("log_path=") + report_name;
   for (const char* variable : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS"}) {
     const char* inherited = std::getenv(variable);
     setenv(variable, inherited != nullptr ? (inherited + (":" + options)).c_str() : options.c_str(), 1);
@@ -28,8 +31,8 @@ void send_sanitizer_reports_to_file() {
 }
 
 void expect_no_sanitizer_reports() {
-  for (const auto& entry : std::filesystem::directory_iterator("/tmp")) {
-    if (entry.path().string().starts_with(report_path)) {
+  for (const auto& entry : std::filesystem::directory_iterator(report_folder)) {
+    if (entry.path().filename().string().starts_with(report_name)) {
       std::ifstream file(entry.path());
       ADD_FAILURE() << std::string((std::istreambuf_iterator<char>(file)), {});
     }
@@ -49,6 +52,9 @@ void DaemonScenario::SetUp() {
 }
 
 void DaemonScenario::TearDown() {
+  if (!appliance) {
+    return;
+  }
   if (running_daemon) {
     ASSERT_TRUE(daemon().running()) << "the daemon has ended by itself";
     // It has no end of its own making: SIGTERM's default action ends it, or the leak check that was put before it.
