@@ -194,6 +194,13 @@ TEST_F(VeIpcPoll, AClosedDecoderIsNotRestarted) {
   EXPECT_TRUE(engine->decoder_configs().empty());
 }
 
+TEST_F(VeIpcPoll, ADecoderThatWasClearedIsNotRestartedForItsNextClient) {
+  client->close_decoder(open_stream(true), false);
+  client->open_decoder(visengi, {{"b", 0}}, "", &observer);
+  poll_after(3001);
+  EXPECT_TRUE(log.said("Decoder 0 has timed out (\"b\":0)"));
+}
+
 TEST_F(VeIpcPoll, WithADecodeFailureSimulatedTheDecoderTimesOut) {
   const int handle = open_stream();
   play(handle);
@@ -253,6 +260,21 @@ TEST_F(VeIpcPoll, ABurstOfDecryptionErrorsThatStaysQuietForTwoSecondsCancelsTheR
                    "Decoder 0 decrypt error recovered. Canceling stream restart. decrypt_err_count=3 payload_count=0"));
   poll_after(200);
   EXPECT_EQ(delay_told(), -1);
+}
+
+TEST_F(VeIpcPoll, AConfigurationEndsTheWaitOfEarlierDecryptionErrors) {
+  const int handle = open_stream();
+  entry_of(handle).decrypt_err_count().add(3);
+  poll();
+  EXPECT_GE(delay_told(), 2050);
+  client->close_decoder(handle, false);
+  ASSERT_EQ(client->open_decoder(visengi, {{"b", 0}}, "", &observer), handle);
+  log.clear();
+  poll();
+  EXPECT_EQ(delay_told(), -1);
+  entry_of(handle).decrypt_err_count().add(1);
+  poll();
+  EXPECT_GE(delay_told(), 2050);
 }
 
 TEST_F(VeIpcPoll, SimulatedDecryptionErrorsArmTheRestartAndNeverRecover) {
