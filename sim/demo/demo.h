@@ -26,6 +26,14 @@ class demo_t {
   /// Starts the appliance. Throws `std::runtime_error` if it cannot.
   explicit demo_t(options_t options);
 
+  /// Ends daemon and appliance, of which nothing is told.
+  ~demo_t() { narrator.fall_silent(); }
+
+  demo_t(const demo_t&) = delete;
+  demo_t& operator=(const demo_t&) = delete;
+  demo_t(demo_t&&) = delete;
+  demo_t& operator=(demo_t&&) = delete;
+
   /// Tells the story and its summary on standard output. Whether all came that had to.
   bool run();
 

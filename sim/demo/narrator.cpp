@@ -81,6 +81,11 @@ void narrator_t::start_clock(int64_t zero) {
   print_held(zero);
 }
 
+void narrator_t::fall_silent() {
+  const std::lock_guard lock(mutex);
+  silent = true;
+}
+
 void narrator_t::print_held(int64_t zero) {
   zero_us = zero;
   for (const auto& line : heard) {
@@ -89,7 +94,7 @@ void narrator_t::print_held(int64_t zero) {
 }
 
 void narrator_t::print(const story_line_t& line) {
-  const auto told = teller.tell(line);
+  const auto told = silent ? std::nullopt : teller.tell(line);
   if (!told) {
     return;
   }

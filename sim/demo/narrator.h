@@ -39,6 +39,9 @@ class narrator_t {
   /// The same, unless the clock runs already.
   void start_clock_if_held(int64_t zero_us);
 
+  /// Prints no further line.
+  void fall_silent();
+
   /// Waits until `count` lines since the time `since_us` satisfy `wanted`; `what` says it in words.
   outcome_t expect_told(const std::string& what, const predicate_t& wanted, int64_t since_us = 0, std::size_t count = 1,
                         std::chrono::milliseconds limit = generous_limit);
@@ -63,6 +66,7 @@ class narrator_t {
   std::condition_variable heard_more;
   std::vector<story_line_t> heard;
   std::optional<int64_t> zero_us;
+  bool silent = false;
   std::thread thread;
 };
 

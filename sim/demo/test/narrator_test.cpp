@@ -58,6 +58,14 @@ TEST_F(Narrator, PrintsWhatWasHeldOnlyOnce) {
   EXPECT_EQ(terminal.str(), printed);
 }
 
+TEST_F(Narrator, PrintsNothingOnceItFellSilentButStillHears) {
+  narrator.start_clock(0);
+  narrator.fall_silent();
+  tell("1\tengine\tended");
+  ASSERT_TRUE(hears("ended"));
+  EXPECT_EQ(terminal.str(), "");
+}
+
 TEST_F(Narrator, WaitsForLinesSinceATimeAndCountsThem) {
   const auto any = [](const sim::story_line_t&) { return true; };
   tell("10\tengine\tone");
