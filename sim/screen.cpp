@@ -58,8 +58,10 @@ std::string screen_t::splash_on(int output) const {
   std::istringstream raw_out(tree.value("/sim/engine/raw_out/" + std::to_string(output)));
   raw_out >> decoder >> width >> height;
   const std::string drawn = tree.value("/sim/splash/" + std::to_string(output) + "/drawn");
-  if (!raw_out || decoder < 0 || width <= 0 || height <= 0 || drawn.empty() || drawn == "disable" ||
-      !has_splash_decoder(output)) {
+  // Before it is given a mode, a client may feed a raw output of 0 by 0.
+  const bool fed = raw_out && decoder >= 0 && width > 0 && height > 0;
+  const bool drawing = !drawn.empty() && drawn != "disable";
+  if (!fed || !drawing || !has_splash_decoder(output)) {
     return "";
   }
   return "splash " + drawn + " at " + std::to_string(width) + "x" + std::to_string(height);
