@@ -40,6 +40,8 @@ descriptor_t listen_for_clients() {
 
 }  // namespace
 
+video_engine_t::running_t::running_t() : uris(videng::decoder_count) {}
+
 video_engine_t::video_engine_t(event_base* loop, property_tree_t& properties, story_t& told)
     : base(loop), tree(properties), story(told), frames(loop, frame_period_ms, false) {
   requests.status = [this](eipc::socket_t& asking) { hand_status_over(asking); };

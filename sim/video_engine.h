@@ -47,8 +47,10 @@ class video_engine_t {
  private:
   /// What exists while the engine runs.
   struct running_t {
+    running_t();
+
     engine_block_t block;
-    std::vector<std::string> uris{videng::decoder_count};
+    std::vector<std::string> uris;  ///< by decoder index
     descriptor_t listener;
     zyl::event_ptr_t connectable;
     std::vector<std::unique_ptr<engine_client_t>> clients;
