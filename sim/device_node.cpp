@@ -216,7 +216,7 @@ device_node_t::~device_node_t() {
 
 void device_node_t::attach() {
   const ioctl_base_t handler(umockdev_ioctl_base_new());
-  const gpointer referred = callbacks_t::hand_over(shared.get());
+  void* const referred = callbacks_t::hand_over(shared.get());
   g_signal_connect(handler.get(), "handle-ioctl", G_CALLBACK(callbacks_t::on_ioctl), referred);
   g_signal_connect(handler.get(), "handle-read", G_CALLBACK(callbacks_t::on_read), referred);
   g_signal_connect(handler.get(), "client-connected", G_CALLBACK(callbacks_t::on_connected), referred);

@@ -22,7 +22,7 @@ request_result_t failure(int error) {
 
 template <typename Record>
 Record load(std::span<const uint8_t> bytes) {
-  Record record;
+  Record record{};
   std::memcpy(&record, bytes.data(), sizeof record);
   return record;
 }
@@ -74,6 +74,7 @@ request_result_t changed(const streamer_model_t& model, const output_t& output, 
 template <typename Resources>
 bool write_ids(const Resources& resources, size_t wanted, size_t pointer_offset, const client_writer_t& write) {
   std::vector<uint32_t> ids;
+  ids.reserve(resources.size());
   for (const auto& known : resources) {
     ids.push_back(known.resource.id);
   }

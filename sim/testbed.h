@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-struct _UMockdevTestbed;
+struct _UMockdevTestbed;  // NOLINT(bugprone-reserved-identifier): the emulation library's own name
 
 namespace sim {
 

@@ -162,7 +162,7 @@ TEST_F(VideoEngine, LeavesAConfigurationWaitingWhenItStalls) {
   properties.set("/sim/engine/fault", "stall");
   const std::size_t index = dmabuf_decoder(0);
   configure(index, "videng-pnl8-dmabuf0");
-  EXPECT_TRUE(turn_until([this] { return told("left waiting"); }));
+  EXPECT_TRUE(turn_until([] { return told("left waiting"); }));
   EXPECT_EQ(mapping.block().decoder(index).config_result().load(), 0);
   properties.set("/sim/engine/fault", "");
   configure(index, "videng-pnl8-dmabuf0");
