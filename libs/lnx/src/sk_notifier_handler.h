@@ -7,8 +7,8 @@ class sk_notifier_handler_t {
  public:
   virtual ~sk_notifier_handler_t() = default;
 
-  /// Called on the thread of the event loop, again and again while `fd` stays readable. Does nothing by default.
-  virtual void on_ready(int /*fd*/) {}
+  /// Called on the thread of the event loop, again and again while `fd` stays readable.
+  virtual void on_ready(int fd) = 0;
 
  protected:
   sk_notifier_handler_t() = default;

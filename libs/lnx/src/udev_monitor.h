@@ -20,7 +20,9 @@ class udev_monitor_t : public udev_monitor_abc, public sk_notifier_handler_t {
 
   void device_added(const udev_device_t& device) override;
   void device_removed(const udev_device_t& device) override;
-  void on_ready(int fd) override;
+
+  /// Called when the monitor has taken what made `fd` readable. For those who derive from it; does nothing by default.
+  void on_ready(int /*fd*/) override {}
 
   /// A device came, or `scan` found it. A slot must not destroy the monitor.
   sigc::signal<void, udev_device_t> added;
@@ -29,7 +31,7 @@ class udev_monitor_t : public udev_monitor_abc, public sk_notifier_handler_t {
   sigc::signal<void, udev_device_t> removed;
 
  private:
-  static void on_readable(evutil_socket_t fd, short events, void* handler);
+  static void on_readable(evutil_socket_t fd, short events, void* monitor);
 
   zyl::event_ptr_t notifier;
 };

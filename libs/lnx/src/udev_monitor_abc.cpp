@@ -29,7 +29,7 @@ void udev_monitor_abc::scan() {
 
 udev_devices_t udev_monitor_abc::connected_devices() const {
   const zyl::intrusive_ptr<udev_enumerate> enumerate(udev_enumerate_new(context.get()));
-  bool err = !enumerate;
+  bool err = !context || !enumerate;
   ZYL_ASSERT(!err);
   err = udev_enumerate_add_match_subsystem(enumerate.get(), subsystem.c_str()) < 0;
   ZYL_ASSERT(!err);

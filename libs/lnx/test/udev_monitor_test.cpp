@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <spdlog/spdlog.h>
 
 #include <memory>
 #include <string>
@@ -15,6 +16,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 using testing::UnorderedElementsAre;
 
 class udev_monitor : public testing::Test {
@@ -103,17 +105,40 @@ TEST_F(udev_monitor, scans_in_the_order_of_the_connected_devices) {
   EXPECT_EQ(scanned(), connected);
 }
 
-TEST_F(udev_monitor, that_has_died_is_not_called_by_its_loop) {
+TEST_F(udev_monitor, delivers_the_tags_of_a_device) {
   watch("misc", "");
-  testbed.add("misc", "late");
-  monitor.reset();
-  bool turned = false;
-  const timeval soon{0, 1000};
-  event_base_once(
-      loop.base(), -1, EV_TIMEOUT, [](evutil_socket_t, short, void* flag) { *static_cast<bool*>(flag) = true; },
-      &turned, &soon);
-  ASSERT_TRUE(test_support::loop_until(loop.base(), [&turned] { return turned; }));
-  EXPECT_THAT(events, IsEmpty());
+  std::vector<std::string> tags;
+  monitor->added.connect([&tags](const lnx::udev_device_t& device) { tags = device.tags; });
+  testbed.add("misc", "tagged", {{"TAGS", ":seat:uaccess:"}});
+  ASSERT_TRUE(heard(1));
+  EXPECT_THAT(tags, IsSupersetOf({"seat", "uaccess"}));  // libudev puts an empty one before them
 }
+
+TEST_F(udev_monitor, tells_those_who_derive_from_it_after_each_event) {
+  class derived_t : public lnx::udev_monitor_t {
+   public:
+    derived_t(event_base* base, std::vector<std::string>& told) : udev_monitor_t(base, "misc", ""), calls(told) {}
+    void on_ready(int ready) override { calls.push_back(ready == fd() ? "ready" : "another descriptor"); }
+
+   private:
+    std::vector<std::string>& calls;
+  };
+  derived_t derived(loop.base(), events);
+  derived.added.connect([this](const lnx::udev_device_t& device) { events.push_back("+" + device.sysname); });
+  testbed.add("misc", "one");
+  testbed.add("misc", "two");
+  ASSERT_TRUE(heard(4));
+  EXPECT_THAT(events, ElementsAre("+one", "ready", "+two", "ready"));
+}
+
+TEST_F(udev_monitor, is_on_its_loop_for_as_long_as_it_lives) {
+  const int without = event_base_get_num_events(loop.base(), EVENT_BASE_COUNT_ADDED);
+  watch("misc", "");
+  EXPECT_EQ(event_base_get_num_events(loop.base(), EVENT_BASE_COUNT_ADDED), without + 1);
+  monitor.reset();
+  EXPECT_EQ(event_base_get_num_events(loop.base(), EVENT_BASE_COUNT_ADDED), without);
+}
+
+TEST_F(udev_monitor, has_a_logger_of_its_own) { EXPECT_NE(spdlog::get("lin_udev"), nullptr); }
 
 }  // namespace
