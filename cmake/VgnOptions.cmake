@@ -22,6 +22,12 @@ endif()
 add_library(vgn_options INTERFACE)
 target_compile_options(vgn_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+# Assertions and critical log lines tell a source path: the same one wherever the tree was built. A compiler cache may
+# have made the path relative to the build folder before the compiler saw it.
+file(RELATIVE_PATH source_from_build ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR}/)
+target_compile_options(vgn_options INTERFACE
+  -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=
+  -fmacro-prefix-map=${source_from_build}=)
 # libsigc++ and Qt both claim the words "signals" and "slots"; the project writes Q_SIGNALS, Q_SLOTS, Q_EMIT.
 target_compile_definitions(vgn_options INTERFACE QT_NO_KEYWORDS)
 target_include_directories(vgn_options INTERFACE ${CMAKE_SOURCE_DIR}/libs)
