@@ -2,6 +2,13 @@
 
 namespace zyl {
 
+datastream_strio_t& datastream_strio_t::operator=(datastream_strio_t&& other) noexcept {
+  swap = other.swap;
+  buffer = std::exchange(other.buffer, {});
+  position = std::exchange(other.position, 0);
+  return *this;
+}
+
 std::size_t datastream_strio_t::read(void* dst, std::size_t n) {
   const std::string_view rest = data();
   const std::size_t count = std::min(n, rest.size());

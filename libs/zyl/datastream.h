@@ -9,6 +9,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "zyl/assert.h"
 
@@ -43,11 +44,18 @@ class datastream_strio_t : public datastream_t {
  public:
   datastream_strio_t() = default;
   explicit datastream_strio_t(std::string content) : buffer(std::move(content)) {}
+  datastream_strio_t(const datastream_strio_t&) = default;
+  datastream_strio_t& operator=(const datastream_strio_t&) = default;
+  ~datastream_strio_t() override = default;
+
+  /// A stream that was moved from is empty and can be written again.
+  datastream_strio_t(datastream_strio_t&& other) noexcept { *this = std::move(other); }
+  datastream_strio_t& operator=(datastream_strio_t&& other) noexcept;
 
   std::size_t read(void* dst, std::size_t n) override;
   std::size_t write(const void* src, std::size_t n) override;
 
-  /// What has not been read yet; valid until the next write.
+  /// What has not been read yet; valid until the next read or write.
   std::string_view data() const { return std::string_view(buffer).substr(position); }
 
  private:

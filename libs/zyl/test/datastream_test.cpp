@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 using namespace std::string_literals;
 using zyl::datastream_strio_t;
@@ -91,4 +92,29 @@ TEST(Datastream, ACopyIsReadOnItsOwn) {
   datastream_strio_t copy = stream;
   copy.read(nullptr, 2);
   EXPECT_EQ(stream.data(), "ab");
+}
+
+TEST(Datastream, AMoveTakesWhatIsLeftAndTheByteOrder) {
+  datastream_strio_t stream("abc"s);
+  stream.swap = true;
+  stream.read(nullptr, 1);
+  datastream_strio_t constructed = std::move(stream);
+  EXPECT_EQ(constructed.data(), "bc");
+  EXPECT_TRUE(constructed.swap);
+  datastream_strio_t assigned("old"s);
+  assigned = std::move(constructed);
+  EXPECT_EQ(assigned.data(), "bc");
+  EXPECT_TRUE(assigned.swap);
+}
+
+TEST(Datastream, AStreamThatWasMovedFromIsEmptyAndCanBeWrittenAgain) {
+  datastream_strio_t stream("abc"s);
+  stream.read(nullptr, 1);
+  const datastream_strio_t taken = std::move(stream);
+  EXPECT_EQ(stream.data(), "");  // NOLINT(bugprone-use-after-move): what is tested
+  uint8_t byte = 0xff;
+  stream >> byte;
+  EXPECT_EQ(byte, 0);
+  stream.write("de", 2);
+  EXPECT_EQ(stream.data(), "de");
 }
