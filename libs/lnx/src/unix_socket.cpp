@@ -171,6 +171,7 @@ ssize_t unix_socket_t::recvmsg(void* buffer, std::size_t length, std::string* ou
   }
   alignas(cmsghdr) std::array<std::byte, control_size> control{};
   if (out_cmsgs != nullptr) {
+    out_cmsgs->clear();
     message.msg_control = control.data();
     message.msg_controllen = control.size();
   }

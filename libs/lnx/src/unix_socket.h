@@ -63,7 +63,7 @@ class unix_socket_t {
   ssize_t sendmsg(std::span<const iovec> buffers, const std::string* dest, std::span<const cmsg_t> cmsgs);
 
   /// Receives into `buffer`. `out_from`, unless null, gets the sender's path; `out_cmsgs`, unless null, gets the
-  /// ancillary records in place of its old content. Returns the bytes received.
+  /// ancillary records; both lose their old content even when it fails. Returns the bytes received.
   ssize_t recvmsg(void* buffer, std::size_t length, std::string* out_from, std::vector<cmsg_t>* out_cmsgs);
 
  protected:

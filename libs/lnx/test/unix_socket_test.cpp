@@ -115,6 +115,25 @@ TEST(UnixSocket, ConnectFailsWithTheErrorNumberOfTheCall) {
   EXPECT_EQ(client.connect("/tmp/nobody-is-here"), -ENOENT);
 }
 
+TEST(UnixSocket, AcceptsNoConnectionIntoASocketThatIsOpen) {
+  unix_socket_t listener;
+  ASSERT_EQ(listener.create(SOCK_SEQPACKET), 0);
+  ASSERT_EQ(listener.bind(listener_path), 0);
+  ASSERT_EQ(listener.set_blocking(false), 0);
+  ASSERT_EQ(listener.listen(1), 0);
+  unix_socket_t client;
+  ASSERT_EQ(client.create(SOCK_SEQPACKET), 0);
+  ASSERT_EQ(client.connect(listener_path), 0);
+
+  unix_socket_t peer;
+  ASSERT_EQ(peer.create(SOCK_SEQPACKET), 0);
+  const int descriptor = peer.descriptor();
+  EXPECT_EQ(listener.accept(peer, nullptr), -EBUSY);
+  EXPECT_EQ(peer.descriptor(), descriptor);
+  ASSERT_EQ(peer.close(), 0);
+  EXPECT_EQ(listener.accept(peer, nullptr), 0);
+}
+
 TEST(UnixSocket, RefusesAPathThatDoesNotFitAnAddress) {
   unix_socket_t socket;
   ASSERT_EQ(socket.create(SOCK_DGRAM), 0);
@@ -122,6 +141,11 @@ TEST(UnixSocket, RefusesAPathThatDoesNotFitAnAddress) {
   EXPECT_EQ(socket.bind(fits + "y"), -ENAMETOOLONG);
   EXPECT_EQ(socket.connect(fits + "y"), -ENAMETOOLONG);
   EXPECT_EQ(socket.bind(fits), 0);
+
+  const std::string too_long = fits + "y";
+  EXPECT_EQ(send_text(socket, "x", &too_long), -ENAMETOOLONG);
+  EXPECT_EQ(socket.pending_size(), 0U);  // not sent to the start of the path either
+  EXPECT_EQ(send_text(socket, "x", &fits), 1);
 }
 
 TEST(UnixSocket, ADatagramGoesToItsDestinationAndTellsItsSender) {
@@ -192,6 +216,16 @@ TEST(UnixSocket, ReceivingWithoutRecordsEmptiesTheOldList) {
   char byte = 0;
   std::vector<cmsg_t> received{cmsg_t::rights(0)};
   ASSERT_EQ(pair.b.recvmsg(&byte, 1, nullptr, &received), 1);
+  EXPECT_TRUE(received.empty());
+}
+
+TEST(UnixSocket, AReceiveThatFailsLeavesNothingOfTheMessageBefore) {
+  unix_socket_t socket;
+  char byte = 0;
+  std::string from = "old";
+  std::vector<cmsg_t> received{cmsg_t::rights(0)};
+  EXPECT_EQ(socket.recvmsg(&byte, 1, &from, &received), -EBADF);
+  EXPECT_EQ(from, "");
   EXPECT_TRUE(received.empty());
 }
 
