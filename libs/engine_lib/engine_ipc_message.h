@@ -36,7 +36,7 @@ class message_base_t {
 ///
 ///   offset 0  u32 family    4  u32 type    8  u32 len: payload bytes, header excluded    12  u32 crc of the payload
 ///
-/// `crc` is filled in by senders and not checked by receivers: the engine's own code has never checked it.
+/// Senders fill `crc` in. Receivers deliberately do not check it: only `len` must be right.
 class common_t : public message_base_t {
  public:
   static constexpr std::size_t wire_size = 16;

@@ -2,12 +2,15 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <spdlog/sinks/stdout_sinks.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <memory>
 #include <string>
 
 #include "test_support/log_capture.h"
+#include "zyl/log/module_logger.h"
 
 using eipc::manager_t;
 
@@ -28,6 +31,19 @@ class empty_message_t : public eipc::message_base_t {
     return out;
   }
 };
+
+/// Lets the log be seen where a death test looks, each line with its level in front.
+void log_to_stderr() {
+  auto sink = std::make_shared<spdlog::sinks::stderr_sink_mt>();
+  sink->set_pattern("%l%v");
+  zyl::module_logger("eng_engine_ipc").sinks().push_back(sink);
+}
+
+/// What standard error holds after a critical line with this text and the assertion that follows it.
+auto told_then_asserted(const std::string& text) {
+  return testing::ContainsRegex("critical \\[[0-9]+\\]: \\[libs/engine_lib/engine_ipc_manager.cpp:[0-9]+\\] " + text +
+                                "\n[^\n]*Assertion `false' failed");
+}
 
 }  // namespace
 
@@ -88,24 +104,30 @@ TEST(EngineIpcManager, HasAnEmptyNameBeforeTheFirstSocketAndSaysSo) {
 }
 
 TEST(EngineIpcManagerDeathTest, ASecondNameEndsTheProcess) {
+  log_to_stderr();
   manager_t::init("peer", 1, false);
-  EXPECT_EXIT(manager_t::init("other", 1, false), testing::KilledBySignal(SIGABRT), "Assertion `false' failed");
+  EXPECT_EXIT(manager_t::init("other", 1, false), testing::KilledBySignal(SIGABRT),
+              told_then_asserted("eipc manager already created, name mismatch: other : peer"));
 }
 
 TEST(EngineIpcManagerDeathTest, ClosingWithoutAManagerOrUnderAnotherNameEndsTheProcess) {
-  EXPECT_EXIT(manager_t::close("peer", 1), testing::KilledBySignal(SIGABRT), "Assertion `false' failed");
+  log_to_stderr();
+  EXPECT_EXIT(manager_t::close("peer", 1), testing::KilledBySignal(SIGABRT),
+              told_then_asserted("eipc manager name mismatch: peer : "));
   manager_t::init("peer", 1, false);
-  EXPECT_EXIT(manager_t::close("other", 1), testing::KilledBySignal(SIGABRT), "Assertion `false' failed");
+  EXPECT_EXIT(manager_t::close("other", 1), testing::KilledBySignal(SIGABRT),
+              told_then_asserted("eipc manager name mismatch: other : peer"));
 }
 
 TEST(EngineIpcManagerDeathTest, AskingForASocketThatIsNotBoundEndsTheProcess) {
+  log_to_stderr();
   EXPECT_EXIT(manager_t::sk(1), testing::KilledBySignal(SIGABRT), "Assertion `s_manager' failed");
   manager_t::init("peer", 1, false);
-  EXPECT_EXIT(manager_t::sk(2), testing::KilledBySignal(SIGABRT), "Assertion `false' failed");
+  EXPECT_EXIT(manager_t::sk(2), testing::KilledBySignal(SIGABRT), told_then_asserted("socket not found at 2"));
 }
 
 TEST(EngineIpcManagerDeathTest, ASocketThatCannotBeBoundEndsTheProcess) {
   EXPECT_EXIT(manager_t::init("no/folder", 1, false), testing::KilledBySignal(SIGABRT),
-              "libs/engine_lib/engine_ipc_manager.cpp:[0-9]+: void "
+              ": libs/engine_lib/engine_ipc_manager.cpp:[0-9]+: void "
               "eipc::manager_t::create_socket.unsigned int, bool.: Assertion `!err' failed");
 }

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "engine_lib/engine_ipc_crc.h"
@@ -55,6 +56,12 @@ class recording_receiver_t : public eipc::receiver_t {
   std::vector<std::string> payloads;
   std::vector<int> fds;
 };
+
+/// What poll(2) tells of a socket without waiting.
+int events_of(const eipc::socket_t& socket) {
+  pollfd watched{socket.descriptor(), POLLIN | POLLPRI | POLLRDHUP, 0};
+  return ::poll(&watched, 1, 0) == 1 ? watched.revents : 0;
+}
 
 class EngineIpcSocket : public testing::Test {
  protected:
@@ -211,6 +218,14 @@ TEST_F(EngineIpcSocket, WhatAPeerSentBeforeItClosedStillComes) {
   EXPECT_EQ(receiver.payloads, std::vector{"last"s});
 }
 
+TEST_F(EngineIpcSocket, WaitsForAMessageAsLongAsItIsTold) {
+  EXPECT_EQ(socket->get_message(from, type, data, cmsgs, 1), 0);
+  std::thread sender([this] { send_raw(frame(4, 7, "late")); });
+  EXPECT_EQ(socket->get_message(from, type, data, cmsgs, 60'000), 1);
+  EXPECT_EQ(data.data(), "late");
+  sender.join();
+}
+
 TEST_F(EngineIpcSocket, AnEmptyPacketOfALivingPeerIsNoMessage) {
   send_raw("");
   EXPECT_EQ(get_message(), 0);
@@ -274,6 +289,25 @@ TEST_F(EngineIpcSocket, WithoutVerboseNothingIsTold) {
   send_raw(frame(4, 7, 99, 0, "dropped"));
   EXPECT_EQ(get_message(), 0);
   EXPECT_TRUE(log.lines().empty());
+}
+
+TEST(EngineIpcUnreadableSocket, OneThatWasNeverConnectedIsAReset) {
+  eipc::socket_t socket;
+  ASSERT_EQ(socket.create(SOCK_STREAM), 0);
+  ASSERT_EQ(events_of(socket), POLLHUP);
+  EXPECT_EQ(socket.process(), -ECONNRESET);
+}
+
+TEST(EngineIpcUnreadableSocket, OneThatIsInErrorIsAnInputOutputError) {
+  std::array<int, 2> fds{};
+  ASSERT_EQ(socketpair(AF_UNIX, SOCK_DGRAM, 0, fds.data()), 0);
+  eipc::socket_t socket(fds[0]);
+  const eipc::socket_t peer(fds[1]);
+  ASSERT_EQ(socket.sendto({4, 1}, bytes_message_t("never read"), ""), 26);
+  const sockaddr nobody{AF_UNSPEC, {}};  // leaves the pair, which is an error to the sender of what it had not read
+  ASSERT_EQ(::connect(peer.descriptor(), &nobody, sizeof nobody), 0);
+  ASSERT_EQ(events_of(socket), POLLERR);
+  EXPECT_EQ(socket.process(), -EIO);
 }
 
 TEST(EngineIpcDatagramSocket, ADatagramTellsItsSendersPath) {
