@@ -131,7 +131,7 @@ class vgn_zsd_interface_t {
   void on_poll_event();
 
  protected:
-  /// `loop_base` must outlive the interface. A null `mux` is one for this model.
+  /// `loop_base` must outlive the interface. A null `mux` is the one of the models without a mux.
   vgn_zsd_interface_t(event_base* loop_base, std::unique_ptr<vgn::system_t> streamer,
                       std::unique_ptr<mux_logic_t> mux = nullptr);
 
