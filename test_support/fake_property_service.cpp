@@ -95,6 +95,10 @@ bool fake_property_service_t::hears_count(std::size_t count) const {
   return wait_for([&] { return heard.size() >= count; });
 }
 
+bool fake_property_service_t::has_clients(std::size_t count) const {
+  return wait_for([&] { return clients.size() == count; });
+}
+
 void fake_property_service_t::send_bytes(std::string_view bytes) {
   wait_for([this] { return !clients.empty(); });
   const std::lock_guard lock(mutex);

@@ -42,6 +42,8 @@ class fake_property_service_t {
   /// Waits for the request. False if it does not come for 20 seconds.
   bool hears(const request_t& request) const;
   bool hears_count(std::size_t count) const;
+  /// Waits until so many clients are connected. False if that does not happen for 20 seconds.
+  bool has_clients(std::size_t count) const;
 
   /// Sends to every client; waits for one if there is none.
   void send(std::initializer_list<std::string_view> fields) { send_bytes(zyl::build_frame(fields)); }

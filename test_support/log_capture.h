@@ -13,7 +13,9 @@
 
 namespace test_support {
 
-/// Hears what a module logger says, for as long as this object lives, at level info and above or as told. Any thread.
+/// Hears what a module logger says, for as long as this object lives, at level info and above or as told. What was
+/// heard may be asked for on any thread. The list of a logger's sinks has no lock: make this object before the threads
+/// that log there, and destroy it after they have ended.
 class log_capture_t {
  public:
   struct line_t {

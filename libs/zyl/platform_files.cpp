@@ -1,5 +1,6 @@
 #include "zyl/platform_files.h"
 
+#include <algorithm>
 #include <charconv>
 #include <fstream>
 
@@ -9,8 +10,13 @@ int number_in_first_line(const std::string& path, int fallback) {
   std::ifstream file(path);
   std::string line;
   std::getline(file, line);
+  std::string_view text = line;
+  text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+  if (text.starts_with('+') && !text.starts_with("+-")) {
+    text.remove_prefix(1);
+  }
   int number = fallback;
-  std::from_chars(line.data(), line.data() + line.size(), number);
+  std::from_chars(text.data(), text.data() + text.size(), number);
   return number;
 }
 

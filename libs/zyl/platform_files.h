@@ -5,7 +5,8 @@
 
 namespace zyl {
 
-/// The decimal number at the start of the file's first line; `fallback` without a file, a line or a number.
+/// The decimal number at the start of the file's first line, after blanks if there are any and with a sign if it has
+/// one; `fallback` without a file, a line or a number.
 int number_in_first_line(const std::string& path, int fallback);
 
 /// Whether any line of the file contains `word`; false for a file that cannot be read.

@@ -6,8 +6,10 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <utility>
 
@@ -32,14 +34,27 @@ bool connect_to(int fd, const std::string& path) {
   return ::connect(fd, reinterpret_cast<const sockaddr*>(&address), length) == 0;
 }
 
+/// `poll` of one descriptor that a signal neither ends nor makes longer.
+int poll_through_signals(pollfd& watched, int timeout_ms) {
+  using std::chrono::milliseconds;
+  const auto end = std::chrono::steady_clock::now() + milliseconds(timeout_ms);
+  int left_ms = timeout_ms;
+  int count = 0;
+  while ((count = ::poll(&watched, 1, left_ms)) < 0 && errno == EINTR) {
+    if (timeout_ms > 0) {
+      const auto left = std::chrono::ceil<milliseconds>(end - std::chrono::steady_clock::now());
+      left_ms = static_cast<int>(std::max(left, milliseconds::zero()).count());
+    }
+  }
+  return count;
+}
+
 }  // namespace
 
 property_client_t::~property_client_t() { property_client_t::disconnect(); }
 
 bool property_client_t::connect() {
   disconnect();
-  rx_buffer.clear();
-  stream_ended = false;
   socket.fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
   if (socket.fd >= 0 && connect_to(socket.fd, socket.path)) {
     return true;
@@ -53,6 +68,8 @@ void property_client_t::disconnect() {
     ::close(socket.fd);
     socket.fd = -1;
   }
+  rx_buffer.clear();
+  stream_ended = false;
 }
 
 bool property_client_t::create(const std::string& path) { return send({"create", path}); }
@@ -147,8 +164,8 @@ bool property_client_t::ready_for(short event, int timeout_ms) const {
     return false;
   }
   pollfd watched{socket.fd, event, 0};
-  const auto count = TEMP_FAILURE_RETRY(::poll(&watched, 1, timeout_ms));
-  return count > 0 && (watched.revents & event) != 0 && (watched.revents & POLLHUP) == 0;
+  return poll_through_signals(watched, timeout_ms) > 0 && (watched.revents & event) != 0 &&
+         (watched.revents & POLLHUP) == 0;
 }
 
 }  // namespace zyl

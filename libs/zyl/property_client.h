@@ -42,9 +42,10 @@ class property_client_intf_t {
 ///              "changed" path value
 ///              "error" "no_property" (any)
 ///
-/// Values must stay below 64 KiB: lengths are truncated to 16 bits without a check. A request blocks for at most a
-/// second at a time while the socket takes nothing, and is never repeated. Nothing is logged about failed requests,
-/// there is no reconnection, and a client that is not connected refuses everything at once. One thread, no lock.
+/// The whole payload of a frame, which is command, path and value with their length fields, must be at most 65535
+/// bytes: lengths are truncated to 16 bits without a check. A request blocks for at most a second at a time while the
+/// socket takes nothing, and is never repeated. Nothing is logged about failed requests, there is no reconnection, and
+/// a client that is not connected refuses everything at once. One thread, no lock.
 class property_client_t : public property_client_intf_t {
  public:
   property_client_t() = default;
@@ -58,7 +59,7 @@ class property_client_t : public property_client_intf_t {
   /// Opens the connection, anew if there is one. False without a service; there is no second attempt.
   bool connect() override;
 
-  /// Closes the connection. Nothing happens to one that is closed.
+  /// Closes the connection and forgets what it brought. Nothing happens to one that is closed.
   void disconnect() override;
 
   /// Whether there is a descriptor; it stays true after the service has gone.

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "test_support/fake_property_service.h"
+#include "test_support/journal.h"
 #include "test_support/log_capture.h"
 #include "test_support/loop_until.h"
 #include "zyl/event_loop.h"
@@ -39,6 +40,19 @@ struct recording_observer_t : control_lib::property_observer_eb_t {
   std::vector<std::tuple<property_response_e, std::string, std::string>> heard;
 };
 
+/// Notes what it hears in a journal that it shares with others.
+struct noting_observer_t : control_lib::property_observer_eb_t {
+  noting_observer_t(test_support::journal_t& shared_journal, const char* own_name)
+      : journal(shared_journal), name(own_name) {}
+  void on_property(property_response_e kind, const std::string& path, const std::string& value) override {
+    journal.note(name, static_cast<int>(kind), path, value);
+    ++heard;
+  }
+  test_support::journal_t& journal;
+  const char* name;
+  int heard = 0;
+};
+
 class PropertyMonitorEngine : public testing::Test {
  protected:
   bool hears(const recording_observer_t& listener, std::size_t count) {
@@ -55,6 +69,20 @@ class PropertyMonitorEngine : public testing::Test {
     bool ran = false;
     zyl::post(loop.base(), [&] { ran = true; });
     return loop_until(loop.base(), [&] { return ran; });
+  }
+
+  /// The loop polls the connection once, then never again, and the observer hears nothing.
+  void expect_one_poll(const log_capture_t& log) {
+    const auto polls = [&] {
+      const auto lines = log.lines();
+      return std::count(lines.begin(), lines.end(), "property_monitor_eb_t::poll");
+    };
+    ASSERT_TRUE(loop_until(loop.base(), [&] { return polls() > 0; }));
+    for (int turn = 0; turn < 5; ++turn) {
+      ASSERT_TRUE(posts_ran());
+    }
+    EXPECT_EQ(polls(), 1);
+    EXPECT_TRUE(observer.heard.empty());
   }
 
   /// How many events of the loop wait for a descriptor.
@@ -113,6 +141,22 @@ TEST_F(PropertyMonitorEngine, SecondObserverMakesAllOfThePathHearTheValueAgain) 
                                                ElementsAre("monitor", "/a"), ElementsAre("get", "/a")));
 }
 
+TEST_F(PropertyMonitorEngine, CallsTheObserversOfAPathInTheOrderOfTheirRegistration) {
+  property_monitor_engine_t engine(loop.base());
+  test_support::journal_t journal;
+  noting_observer_t first(journal, "first");
+  noting_observer_t second(journal, "second");
+  engine.monitor("/a", &first);
+  engine.monitor("/a", &second);
+  ASSERT_TRUE(requested(4));
+  service->send({"changed", "/a", "1"});
+  service->send({"get_response", "/a", "2"});
+  service->send({"error", "/a", "/b"});
+  ASSERT_TRUE(loop_until(loop.base(), [&] { return second.heard >= 3; }));
+  EXPECT_THAT(journal.take(), ElementsAre("first 0 /a 1", "second 0 /a 1", "first 1 /a 2", "second 1 /a 2",
+                                          "first 2 /b ", "second 2 /b "));
+}
+
 TEST_F(PropertyMonitorEngine, ChangeOfAnUnobservedPathHasNoEffect) {
   property_monitor_engine_t engine(loop.base());
   engine.monitor("/a", &observer);
@@ -136,14 +180,17 @@ TEST_F(PropertyMonitorEngine, ErrorReachesObserversOnlyByItsSecondFieldAndNamesT
 
 TEST_F(PropertyMonitorEngine, MonitorBeforeTheConnectionSendsNothingUntilItStands) {
   service = nullptr;
-  log_capture_t log("ctl_property_monitor");
+  log_capture_t log("ctl_property_monitor", spdlog::level::debug);
   property_monitor_engine_t engine(loop.base());
   ASSERT_EQ(log.entries().size(), 1U);
   EXPECT_EQ(log.entries()[0].level, spdlog::level::err);
   EXPECT_EQ(log.entries()[0].text, "property_monitor_eb_t property_engine connect failed");
   service = std::make_unique<fake_property_service_t>();
   engine.monitor("/a", &observer);
+  engine.monitor("/a", &observer);
   ASSERT_TRUE(posts_ran());
+  EXPECT_TRUE(log.said("property_monitor_eb_t::send_prop_monitor /a (not connected)"));
+  EXPECT_TRUE(log.said("property_monitor_eb_t::send_get /a (not connected)"));
   EXPECT_FALSE(engine.set("/a", "1"));
   EXPECT_TRUE(service->requests().empty());
 
@@ -200,16 +247,16 @@ TEST_F(PropertyMonitorEngine, HangUpIsNoticedByNobodyAndTheLoopComesToRest) {
   engine.monitor("/a", &observer);
   ASSERT_TRUE(requested(3));
   service->close_clients();
-  const auto polls = [&] {
-    const auto lines = log.lines();
-    return std::count(lines.begin(), lines.end(), "property_monitor_eb_t::poll");
-  };
-  ASSERT_TRUE(loop_until(loop.base(), [&] { return polls() > 0; }));
-  for (int turn = 0; turn < 5; ++turn) {
-    ASSERT_TRUE(posts_ran());
-  }
-  EXPECT_EQ(polls(), 1);
-  EXPECT_TRUE(observer.heard.empty());
+  expect_one_poll(log);
+}
+
+TEST_F(PropertyMonitorEngine, LoopComesToRestWhenTheServiceEndsItsSendingSide) {
+  log_capture_t log("ctl_property_monitor", spdlog::level::debug);
+  property_monitor_engine_t engine(loop.base());
+  engine.monitor("/a", &observer);
+  ASSERT_TRUE(requested(3));
+  service->end_sending();
+  expect_one_poll(log);
 }
 
 TEST_F(PropertyMonitorEngine, WhatIsStillPostedWhenItDiesDoesNothing) {

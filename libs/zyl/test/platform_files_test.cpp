@@ -20,14 +20,25 @@ TEST(PlatformFiles, NumberIsThatOfTheFirstLine) {
   EXPECT_EQ(zyl::number_in_first_line(path, 1), 0);
 }
 
+TEST(PlatformFiles, NumberMayHaveBlanksAndASignInFront) {
+  write(" \t12\n");
+  EXPECT_EQ(zyl::number_in_first_line(path, 1), 12);
+  write("+12");
+  EXPECT_EQ(zyl::number_in_first_line(path, 1), 12);
+  write(" -12");
+  EXPECT_EQ(zyl::number_in_first_line(path, 1), -12);
+}
+
 TEST(PlatformFiles, NumberFallsBackWithoutAFileALineOrADigit) {
   EXPECT_EQ(zyl::number_in_first_line("/tmp/missing", 1), 1);
   write("");
   EXPECT_EQ(zyl::number_in_first_line(path, 1), 1);
   write("\n7\n");
   EXPECT_EQ(zyl::number_in_first_line(path, 1), 1);
-  write("none\n");
-  EXPECT_EQ(zyl::number_in_first_line(path, 1), 1);
+  for (const char* text : {"none\n", " \n", "+\n", "+-7\n", "+ 7\n"}) {
+    write(text);
+    EXPECT_EQ(zyl::number_in_first_line(path, 1), 1) << text;
+  }
   write("99999999999\n");
   EXPECT_EQ(zyl::number_in_first_line(path, 1), 1);
 }

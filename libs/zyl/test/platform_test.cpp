@@ -10,10 +10,11 @@
 
 #include "test_support/fake_property_service.h"
 #include "test_support/log_capture.h"
-#include "zyl/platform_files.h"
+#include "test_support/stub_property_service.h"
 
 using test_support::fake_property_service_t;
 using test_support::log_capture_t;
+using test_support::stub_property_service_t;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using zyl::platform_t;
@@ -199,12 +200,6 @@ TEST(Platform, IsUnknownUntilOneIsInstalled) {
 
 TEST(Platform, BoardWithoutANumberIsOne) { EXPECT_EQ(platform_t::board_id(), 1); }
 
-TEST(Platform, LooksForVirtualMachinesAndContainersInTheKernelsFiles) {
-  EXPECT_EQ(platform_t::is_hypervisor(), zyl::any_line_contains("/proc/cpuinfo", "hypervisor"));
-  EXPECT_EQ(platform_t::is_container(), zyl::any_line_contains("/proc/1/cgroup", "docker") ||
-                                            zyl::any_line_contains("/proc/self/mountinfo", "docker"));
-}
-
 TEST(PlatformFromBus, AsksTheServiceOnce) {
   const fake_property_service_t service(fake_property_service_t::from(streamer_values()));
   expect_streamer(platform_t::from_bus());
@@ -234,6 +229,15 @@ TEST(PlatformFromBus, SecondAttemptThatSucceedsLeavesNoTraceOfTheFirst) {
 TEST(PlatformFromBusDeathTest, WithoutAServiceTheProcessTellsWhyAndEndsWithStatus255) {
   EXPECT_EXIT(read_the_bus_with_output_on_stderr(), testing::ExitedWithCode(255),
               "zyl_platform.*error.*platform_t unable to read platform information from property engine\\.");
+}
+
+TEST(PlatformFromBusDeathTest, SilentServiceIsAskedInTwoAttemptsForTheFirstProperty) {
+  const stub_property_service_t service;
+  EXPECT_EXIT(read_the_bus_with_output_on_stderr(), testing::ExitedWithCode(255), "platform_t unable to read");
+  const std::string request = zyl::build_frame({"get", "/sys/config/arch"});
+  EXPECT_EQ(service.accept_and_read(), request);
+  EXPECT_EQ(service.accept_and_read(), request);
+  EXPECT_EQ(service.accept_and_read(), std::nullopt);
 }
 
 TEST(PlatformFromBusDeathTest, TwoFailedAttemptsEndTheProcess) {

@@ -3,12 +3,12 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
+#include <sys/ioctl.h>
 
+#include <atomic>
 #include <ostream>
 #include <string>
+#include <thread>
 
 #include "test_support/fake_property_service.h"
 
@@ -20,6 +20,7 @@ namespace {
 using namespace std::string_literals;
 
 constexpr int generous_ms = 20'000;
+constexpr int without_end = -1;
 
 struct message_t {
   bool received = false;
@@ -37,20 +38,6 @@ void PrintTo(const message_t& message, std::ostream* out) {
 const message_t none{};
 const message_t bad_payload{false, "error", "bad_payload", ""};
 
-/// A service that listens and does nothing more.
-struct idle_service_t {
-  idle_service_t() {
-    const sockaddr_un address{AF_UNIX, "/tmp/.tarn_property_ipc"};
-    EXPECT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(::listen(listener, 1), 0);
-  }
-  ~idle_service_t() { ::close(listener); }
-  idle_service_t(const idle_service_t&) = delete;
-  idle_service_t& operator=(const idle_service_t&) = delete;
-
-  const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-};
-
 /// A client that is connected to a service.
 class PropertyClient : public testing::Test {
  protected:
@@ -60,6 +47,13 @@ class PropertyClient : public testing::Test {
     message_t message{false, "stale", "stale", "stale"};
     message.received = client.receive(message.command, message.path, message.value, timeout_ms);
     return message;
+  }
+
+  /// Bytes that have come and that the client has not read.
+  int waiting_bytes() const {
+    int count = 0;
+    EXPECT_EQ(::ioctl(client.descriptor(), FIONREAD, &count), 0);
+    return count;
   }
 
   fake_property_service_t service;
@@ -139,9 +133,19 @@ TEST_F(PropertyClient, StrayByteBehindThreeFieldsIsIgnored) {
 
 TEST_F(PropertyClient, EmptyFrameGivesNothingAndTheCallWaitsOn) {
   service.send_bytes(zyl::build_frame({}));
-  EXPECT_EQ(receive(0), none);
-  service.send({"changed", "/a", "1"});
-  EXPECT_EQ(receive(0), changed("/a", "1"));
+  std::atomic<bool> done = false;
+  std::thread sender([&] {
+    while (!done) {
+      // Again if it was drained together with the empty frame: then the call waits for the next bytes.
+      if (waiting_bytes() == 0) {
+        service.send({"changed", "/a", "1"});
+      }
+      std::this_thread::yield();
+    }
+  });
+  EXPECT_EQ(receive(generous_ms), changed("/a", "1"));
+  done = true;
+  sender.join();
 }
 
 TEST_F(PropertyClient, FrameBehindAnEmptyOneComesWithTheNextCall) {
@@ -155,6 +159,15 @@ TEST_F(PropertyClient, LongestValueThatFitsComesWhole) {
   std::thread sender([&] { service.send({"changed", "/a", value}); });
   EXPECT_EQ(receive(generous_ms), changed("/a", value));
   sender.join();
+}
+
+TEST_F(PropertyClient, OneCallDrainsABoundedNumberOfBytes) {
+  const std::string front = zyl::build_frame({"changed", "/a", "1"});
+  std::thread sender([&] { service.send_bytes(front + std::string(100'000 - front.size(), 'x')); });
+  sender.join();
+  ASSERT_EQ(waiting_bytes(), 100'000);
+  EXPECT_EQ(receive(0), changed("/a", "1"));
+  EXPECT_EQ(waiting_bytes(), 100'000 - 65'536);
 }
 
 TEST_F(PropertyClient, FloodOfMessagesAllArrive) {
@@ -213,8 +226,16 @@ TEST_F(PropertyClient, ConnectingAgainForgetsTheOldConnection) {
   EXPECT_FALSE(client.hung_up());
   EXPECT_TRUE(client.get("/fence"));
   ASSERT_TRUE(service.hears({"get", "/fence"}));
+  EXPECT_TRUE(service.has_clients(1));
   service.send({"changed", "/a", "1"});
   EXPECT_EQ(receive(0), changed("/a", "1"));
+}
+
+TEST_F(PropertyClient, DisconnectingForgetsWhatWasReceived) {
+  service.send_bytes(zyl::build_frame({"changed", "/a", "1"}) + zyl::build_frame({"changed", "/a", "2"}));
+  EXPECT_EQ(receive(0), changed("/a", "1"));
+  client.disconnect();
+  EXPECT_EQ(receive(without_end), none);
 }
 
 TEST_F(PropertyClient, DisconnectingTwiceIsAllowed) {
@@ -266,41 +287,4 @@ TEST(PropertyClientRead, AsksThroughTheVirtualGet) {
   std::string value;
   EXPECT_TRUE(client.read("/a", value, generous_ms));
   EXPECT_EQ(client.asked, 1);
-}
-
-TEST(PropertyClientAlone, IsRefusedWithoutAServiceAndThenRefusesEverything) {
-  zyl::property_client_t client;
-  EXPECT_FALSE(client.connect());
-  EXPECT_FALSE(client.is_connected());
-  EXPECT_FALSE(client.hung_up());
-  EXPECT_FALSE(client.create("/a"));
-  EXPECT_FALSE(client.get_all());
-  std::string text = "stale";
-  EXPECT_FALSE(client.read("/a", text, generous_ms));
-  EXPECT_EQ(text, "");
-  std::string command;
-  std::string path;
-  EXPECT_FALSE(client.receive(command, path, text, generous_ms));
-}
-
-TEST(PropertyClientAlone, GivesUpOnAServiceThatTakesNothing) {
-  const idle_service_t service;
-  zyl::property_client_t client;
-  ASSERT_TRUE(client.connect());
-  int sent = 0;
-  while (client.set("/a", std::string(60'000, 'v'))) {
-    ASSERT_LT(++sent, 1000);
-  }
-  EXPECT_TRUE(client.is_connected());
-}
-
-TEST(PropertyClientAlone, BrokenPipeIsAFailureAndNoSignal) {
-  const idle_service_t service;
-  zyl::property_client_t client;
-  ASSERT_TRUE(client.connect());
-  const int peer = ::accept(service.listener, nullptr, nullptr);
-  ASSERT_EQ(::shutdown(peer, SHUT_RD), 0);
-  EXPECT_FALSE(client.set("/a", "1"));
-  EXPECT_TRUE(client.is_connected());
-  ::close(peer);
 }

@@ -153,10 +153,25 @@ TEST_F(PropertyMonitorTest, ServiceThatGoesAwayFreezesTheCacheAndIsNoLongerWatch
   EXPECT_EQ(spy->count(), 1);
 }
 
+TEST_F(PropertyMonitorTest, ServiceThatEndsItsSendingSideIsNoLongerWatched) {
+  watch({"/a"});
+  service.send({"changed", "/a", "1"});
+  service.end_sending();
+  const auto* notifier = monitor->findChild<QSocketNotifier*>();
+  ASSERT_NE(notifier, nullptr);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !notifier->isEnabled(); }, generousMs));
+  EXPECT_THAT(told(), ElementsAre(Pair("/a", "1")));
+}
+
 TEST(PropertyMonitorAlone, WorksWithoutAServiceAndStaysEmpty) {
   PropertyMonitor monitor({"/a"});
   QSignalSpy spy(&monitor, &PropertyMonitor::valueChanged);
-  monitor.addProperties({"/b"});
+  // If each request waited, all of them together would take longer than a test may.
+  QList<QByteArray> many;
+  for (int i = 0; i < 1000; ++i) {
+    many.append("/b" + QByteArray::number(i));
+  }
+  monitor.addProperties(many);
   monitor.setValue("/a", "1");
   EXPECT_EQ(monitor.value("/a"), QByteArray());
   EXPECT_NE(monitor.findChild<QSocketNotifier*>(), nullptr);
