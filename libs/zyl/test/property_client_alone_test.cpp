@@ -5,8 +5,10 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <string>
+#include <thread>
 
 #include "test_support/stub_property_service.h"
 #include "zyl/property_client.h"
@@ -22,7 +24,7 @@ class interruptions_t {
  public:
   interruptions_t() {
     struct sigaction action {};
-    action.sa_handler = [](int /*signal*/) {};
+    action.sa_handler = [](int /*signal*/) { ++seen; };
     ::sigaction(SIGALRM, &action, &previous);
     repeat_every_us(1000);
   }
@@ -35,12 +37,15 @@ class interruptions_t {
   interruptions_t(interruptions_t&&) = delete;
   interruptions_t& operator=(interruptions_t&&) = delete;
 
+  static int count() { return seen; }
+
  private:
   static void repeat_every_us(suseconds_t interval) {
     const itimerval timer{{0, interval}, {0, interval}};
     ::setitimer(ITIMER_REAL, &timer, nullptr);
   }
 
+  static inline std::atomic<int> seen = 0;
   struct sigaction previous {};
 };
 
@@ -75,6 +80,26 @@ TEST(PropertyClientAlone, InterruptionsDoNotMakeAWaitLonger) {
   const interruptions_t interruptions;
   std::string value;
   EXPECT_FALSE(client.read("/a", value, 50));
+}
+
+TEST(PropertyClientAlone, InterruptionsDoNotEndAWait) {
+  const stub_property_service_t service;
+  zyl::property_client_t client;
+  ASSERT_TRUE(client.connect());
+  const int peer = service.accept();
+  const interruptions_t interruptions;
+  std::thread answering([peer, before = interruptions_t::count()] {
+    while (interruptions_t::count() < before + 10) {
+      std::this_thread::yield();
+    }
+    const std::string answer = zyl::build_frame({"get_response", "/a", "1"});
+    EXPECT_EQ(::send(peer, answer.data(), answer.size(), 0), static_cast<ssize_t>(answer.size()));
+  });
+  std::string value;
+  EXPECT_TRUE(client.read("/a", value, without_end));
+  EXPECT_EQ(value, "1");
+  answering.join();
+  ::close(peer);
 }
 
 TEST(PropertyClientAlone, GivesUpOnAServiceThatTakesNothing) {
