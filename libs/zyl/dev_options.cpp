@@ -17,18 +17,20 @@ words_t words ZYL_GUARDED_BY(mutex);
 
 words_t split(std::string_view text) {
   words_t found;
-  while (!text.empty()) {
-    const std::string_view word = text.substr(0, text.find(' '));
-    found.emplace(word);
-    text.remove_prefix(word.size() < text.size() ? word.size() + 1 : word.size());
+  for (;;) {
+    const auto blank = text.find(' ');
+    found.emplace(text.substr(0, blank));
+    if (blank == std::string_view::npos) {
+      return found;
+    }
+    text.remove_prefix(blank + 1);
   }
-  return found;
 }
 
 }  // namespace
 
 void set(std::string_view text) {
-  words_t next = split(text);
+  words_t next = text.empty() ? words_t() : split(text);
   const lock_t lock(mutex);
   words = std::move(next);
 }

@@ -5,8 +5,8 @@
 /// The development options of the process: a set of words that anyone may ask for. Any thread.
 namespace zyl::dev_options {
 
-/// Replaces the set by the words of `text`, which single blanks part: two blanks in a row have the word "" between
-/// them. An empty text holds no word.
+/// Replaces the set by the words of `text`, which single blanks part: a blank at either end, or two in a row, make the
+/// word "". An empty text holds no word.
 void set(std::string_view text);
 
 /// Whether the last `set` named the word.

@@ -35,6 +35,13 @@ TEST(DevOptions, TwoBlanksInARowHoldTheEmptyWord) {
   EXPECT_TRUE(dev_options::contains("two"));
 }
 
+TEST(DevOptions, ABlankAtEitherEndHoldsTheEmptyWord) {
+  for (const char* text : {" one", "one ", " "}) {
+    dev_options::set(text);
+    EXPECT_TRUE(dev_options::contains("")) << "'" << text << "'";
+  }
+}
+
 TEST(DevOptions, OtherWhiteSpaceIsPartOfAWord) {
   dev_options::set("one\ttwo");
   EXPECT_TRUE(dev_options::contains("one\ttwo"));
