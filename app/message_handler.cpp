@@ -21,6 +21,23 @@ void sendToSyslog(int32_t priority, const QString& text) { syslog(priority, "%s"
 
 void print(const QString& line) { QTextStream(stdout, QIODevice::ReadWrite) << line << Qt::flush; }
 
+// Has no destructor, so it can still be read when the thread's filter is gone.
+thread_local bool filter_gone = false;
+
+struct ThreadFilter {
+  RepeatFilter filter;
+  ~ThreadFilter() { filter_gone = true; }
+};
+
+RepeatFilter::Verdict judgeOnThread(const QString& text, int32_t priority, const QDateTime& now) {
+  const int32_t threshold = log_threshold.load(std::memory_order_acquire);
+  if (filter_gone) {
+    return RepeatFilter(now).judge(text, priority, threshold, now);
+  }
+  thread_local ThreadFilter mine{RepeatFilter(now)};
+  return mine.filter.judge(text, priority, threshold, now);
+}
+
 }  // namespace
 
 int32_t syslogPriority(QtMsgType type) {
@@ -59,9 +76,8 @@ RepeatFilter::Verdict RepeatFilter::judge(const QString& text, int32_t priority,
 
 void messageHandler(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
   const QDateTime now = QDateTime::currentDateTime();
-  thread_local RepeatFilter filter(now);
   const int32_t priority = syslogPriority(type);
-  const auto verdict = filter.judge(text, priority, log_threshold.load(std::memory_order_acquire), now);
+  const auto verdict = judgeOnThread(text, priority, now);
   if (!verdict.print) {
     return;
   }

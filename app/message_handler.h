@@ -42,7 +42,8 @@ class RepeatFilter {
 };
 
 /// The Qt message handler of the program: syslog and, with a time stamp in UTC, standard output. Any thread; each has
-/// its own `RepeatFilter`, so that threads do not suppress each other's messages.
+/// its own `RepeatFilter`, so that threads do not suppress each other's messages; none is left for what an ending
+/// thread says after it has let go of it.
 void messageHandler(QtMsgType type, const QMessageLogContext& context, const QString& text);
 
 }  // namespace vgn_control

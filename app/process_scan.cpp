@@ -6,6 +6,7 @@
 #include <QTextStream>
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 namespace vgn_control {
 namespace {
@@ -16,8 +17,8 @@ struct close_directory_t {
   void operator()(DIR* directory) const { closedir(directory); }
 };
 
-// The text of a process's comm, null when the process is gone.
-QString commOf(const QString& id) {
+// The text of a process's comm; none when the process is gone.
+std::optional<QString> commOf(const QString& id) {
   QFile file(QStringLiteral("/proc/%1/comm").arg(id));
   if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
     return {};
@@ -44,7 +45,7 @@ QStringList processesNamed(const QByteArray& name) {
       continue;
     }
     const QString id = QString::fromLocal8Bit(entry->d_name);
-    if (const QString comm = commOf(id); !comm.isNull() && comm == wanted) {
+    if (commOf(id) == wanted) {
       ids.append(id);
     }
   }

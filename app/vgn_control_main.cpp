@@ -22,9 +22,7 @@ class SyslogConnection {
   SyslogConnection& operator=(const SyslogConnection&) = delete;
 };
 
-}  // namespace
-
-int vgn_control_main(int argc, char** argv) {
+int run(int argc, char** argv) {
   zyl::setup_logging("vgn_control", true, "");
   const SyslogConnection syslog_connection;
   qInstallMessageHandler(messageHandler);
@@ -46,8 +44,20 @@ int vgn_control_main(int argc, char** argv) {
     log_threshold.store(LOG_USER | LOG_DEBUG, std::memory_order_release);
   }
 
-  const VgnControl control(parser.value(input), nullptr);
+  const QString input_path = parser.value(input);
+  const VgnControl control(input_path, nullptr);
   return QCoreApplication::exec();
+}
+
+}  // namespace
+
+int vgn_control_main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (...) {
+    // An exception that nobody catches ends the process where it is thrown; so it leaves by way of the destructors.
+    throw;
+  }
 }
 
 }  // namespace vgn_control

@@ -25,6 +25,9 @@ using vgn_control::RepeatFilter;
 constexpr int32_t warnings = LOG_USER | LOG_WARNING;
 constexpr int32_t debug = LOG_USER | LOG_DEBUG;
 
+// Read before any test changes it.
+const int32_t first_threshold = vgn_control::log_threshold.load();
+
 class RepeatFilterTest : public testing::Test {
  protected:
   RepeatFilter::Verdict judge(const QString& text, qint64 at_ms, int32_t priority = warnings,
@@ -48,6 +51,8 @@ TEST(SyslogPriority, OfAnUnknownTypePassesTheDefaultThreshold) {
   EXPECT_EQ(vgn_control::syslogPriority(static_cast<QtMsgType>(5)), 8);
   EXPECT_LE(vgn_control::syslogPriority(static_cast<QtMsgType>(7)), vgn_control::log_threshold.load());
 }
+
+TEST(LogThreshold, LetsWarningsThroughAtFirst) { EXPECT_EQ(first_threshold, 12); }
 
 TEST_F(RepeatFilterTest, TenEqualTextsInASecondPrintOnceAndTheEleventhLaterTellsOfTen) {
   EXPECT_TRUE(judge("text", 0).print);
@@ -184,6 +189,21 @@ TEST_F(MessageHandlerTest, ThreadsThatSendTheSameTextDoNotSuppressEachOther) {
     handle(QtWarningMsg, "text");
   });
   EXPECT_EQ(lines.size(), 4U);
+}
+
+/// Says the same text again at the end of the thread.
+struct last_words_t {
+  std::string text;
+  ~last_words_t() { vgn_control::messageHandler(QtWarningMsg, {}, QString::fromStdString(text)); }
+};
+
+TEST_F(MessageHandlerTest, AMessageAtTheVeryEndOfAThreadIsNoRepeatAnyMore) {
+  EXPECT_THAT(linesOf([] {
+                thread_local last_words_t last_words;
+                last_words.text = "text";
+                handle(QtWarningMsg, "text");
+              }),
+              ElementsAre(StartsWith("<12>"), EndsWith(" : text\n"), StartsWith("<12>"), EndsWith(" : text\n")));
 }
 
 }  // namespace

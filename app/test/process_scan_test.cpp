@@ -2,7 +2,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstdio>
 
 #include "test_support/fake_process.h"
 
@@ -48,14 +52,52 @@ TEST(ProcessScan, AWantedNameBeyondFifteenCharactersFindsNothing) {
   EXPECT_THAT(processesNamed("a_process_of_si"), UnorderedElementsAre(QString::fromStdString(process.id())));
 }
 
+TEST(ProcessScan, AProcessIsFoundUnderItsIdAloneThoughSelfShowsItToo) {
+  prctl(PR_SET_NAME, "scanning_test");
+  EXPECT_THAT(processesNamed("scanning_test"), UnorderedElementsAre(QString::number(getpid())));
+}
+
+/// While it lives, the process can open so many descriptors and no more.
+class descriptor_limit_t {
+ public:
+  explicit descriptor_limit_t(int more) {
+    getrlimit(RLIMIT_NOFILE, &before);
+    // The kernel gives the lowest free number, so all below it are in use.
+    const int lowest_free = dup(STDOUT_FILENO);
+    close(lowest_free);
+    const rlimit limit{static_cast<rlim_t>(lowest_free + more), before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &limit);
+  }
+  ~descriptor_limit_t() { setrlimit(RLIMIT_NOFILE, &before); }
+
+  descriptor_limit_t(const descriptor_limit_t&) = delete;
+  descriptor_limit_t& operator=(const descriptor_limit_t&) = delete;
+
+ private:
+  rlimit before{};
+};
+
+TEST(ProcessScan, AProcessWhoseNameCannotBeReadIsPassedOver) {
+  const test_support::fake_process_t nameless("");
+  ASSERT_THAT(processesNamed(""), UnorderedElementsAre(QString::fromStdString(nameless.id())));
+  QStringList found;
+  {
+    const descriptor_limit_t directory_alone(1);
+    found = processesNamed("");
+  }
+  EXPECT_THAT(found, IsEmpty());
+}
+
 void scanWithoutDescriptors() {
-  const rlimit no_descriptors{0, 0};
-  setrlimit(RLIMIT_NOFILE, &no_descriptors);
+  qInstallMessageHandler([](QtMsgType /*type*/, const QMessageLogContext& context, const QString& text) {
+    std::fprintf(stderr, "[%s] %s\n", context.category, qPrintable(text));
+  });
+  const descriptor_limit_t none(0);
   processesNamed("runtime_engine");
 }
 
 TEST(ProcessScanDeathTest, WithoutProcTheProgramEnds) {
-  EXPECT_DEATH(scanWithoutDescriptors(), "Failed to open /proc");
+  EXPECT_DEATH(scanWithoutDescriptors(), "\\[default\\] Failed to open /proc\n");
 }
 
 }  // namespace

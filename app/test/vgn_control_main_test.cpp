@@ -5,16 +5,33 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
+#include <syslog.h>
 #include <unistd.h>
 
+#include <QCoreApplication>
+#include <QLoggingCategory>
+#include <QTimer>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <functional>
+#include <optional>
 #include <sstream>
+#include <stdexcept>
 #include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "test_support/fake_property_service.h"
 #include "test_support/fake_syslog.h"
+
+/// Takes the place of the C library's, which leaves nothing to see.
+void closelog() {
+  constexpr std::string_view told = "closelog\n";
+  [[maybe_unused]] const ssize_t ignored = write(STDOUT_FILENO, told.data(), told.size());
+}
 
 namespace {
 
@@ -25,9 +42,11 @@ using testing::Not;
 /// The program, started in a child process; its standard output and standard error go to one file.
 class program_t {
  public:
-  explicit program_t(std::vector<std::string> arguments) : child(fork()) {
+  /// `before` runs in the child ahead of the program.
+  explicit program_t(std::vector<std::string> arguments, const std::function<void()>& before = nothing)
+      : child(fork()) {
     if (child == 0) {
-      run(std::move(arguments));
+      run(std::move(arguments), before);
     }
   }
   ~program_t() {
@@ -36,6 +55,8 @@ class program_t {
       waitpid(child, nullptr, 0);
     }
   }
+
+  static void nothing() {}
 
   program_t(const program_t&) = delete;
   program_t& operator=(const program_t&) = delete;
@@ -51,6 +72,11 @@ class program_t {
   // The signal that ended it after it was sent `signal`, 0 if none did.
   int end_by(int signal) {
     kill(child, signal);
+    return end();
+  }
+
+  // Waits for its end; the signal that ended it, 0 if none did.
+  int end() {
     int status = 0;
     waitpid(child, &status, 0);
     child = -1;
@@ -66,7 +92,7 @@ class program_t {
  private:
   static constexpr const char* output_file = "/tmp/output";
 
-  [[noreturn]] static void run(std::vector<std::string> arguments) {
+  [[noreturn]] static void run(std::vector<std::string> arguments, const std::function<void()>& before) {
     const int file = open(output_file, O_CREAT | O_TRUNC | O_WRONLY, 0600);
     dup2(file, STDOUT_FILENO);
     dup2(file, STDERR_FILENO);
@@ -76,6 +102,7 @@ class program_t {
       argv.push_back(argument.data());
     }
     argv.push_back(nullptr);
+    before();
     std::exit(vgn_control::vgn_control_main(static_cast<int>(arguments.size()), argv.data()));
   }
 
@@ -108,7 +135,26 @@ class VgnControlMainRunning : public testing::Test {
  protected:
   VgnControlMainRunning() { setenv("VGN_CONTROL_BLOCK", "1", 1); }
 
-  bool starts() { return service.hears({"set", "/vgn_ui/vgn_ui_control", "0"}); }
+  ~VgnControlMainRunning() override {
+    for (const int end : gate) {
+      close(end);
+    }
+  }
+
+  // Starts the program on the bus. It is forked before the bus has its thread, whose locks it would inherit.
+  program_t& launch(std::vector<std::string> arguments, const std::function<void()>& before = program_t::nothing) {
+    [[maybe_unused]] const int made = pipe(gate);
+    launched.emplace(std::move(arguments), [this, &before] {
+      char byte = 0;
+      [[maybe_unused]] const ssize_t got = read(gate[0], &byte, 1);
+      before();
+    });
+    service.emplace();
+    [[maybe_unused]] const ssize_t told = write(gate[1], "1", 1);
+    return *launched;
+  }
+
+  bool starts() { return service->hears({"set", "/vgn_ui/vgn_ui_control", "0"}); }
 
   std::string logged() {
     std::string all;
@@ -119,30 +165,108 @@ class VgnControlMainRunning : public testing::Test {
   }
 
   test_support::fake_syslog_t syslog;
-  test_support::fake_property_service_t service;
+  std::optional<test_support::fake_property_service_t> service;
+
+ private:
+  int gate[2] = {-1, -1};
+  std::optional<program_t> launched;
 };
 
 constexpr const char* blocked_line =
     "vgn_control: disable_vgn_ui_control detected. vgn_control video functions was disabled permanently.";
 
-TEST_F(VgnControlMainRunning, RunsUntilASignalEndsIt) {
-  program_t program({"--input", "/dev/input/event0"});
+class VgnControlMainInput : public VgnControlMainRunning, public testing::WithParamInterface<const char*> {};
+
+TEST_P(VgnControlMainInput, RunsUntilASignalEndsIt) {
+  program_t& program = launch({GetParam(), "/dev/input/event0"});
   ASSERT_TRUE(starts());
   EXPECT_EQ(program.end_by(SIGTERM), SIGTERM);
 }
 
+INSTANTIATE_TEST_SUITE_P(Names, VgnControlMainInput, testing::Values("-i", "--input"));
+
 TEST_F(VgnControlMainRunning, LogsWarningsToSyslogAndStandardOutput) {
-  program_t program({});
+  program_t& program = launch({});
   ASSERT_TRUE(starts());
   EXPECT_THAT(logged(), AllOf(HasSubstr("<12>"), HasSubstr(blocked_line), Not(HasSubstr("Set propety"))));
   program.end_by(SIGTERM);
   EXPECT_THAT(program_t::output(), AllOf(HasSubstr(" : disable_vgn_ui_control"), Not(HasSubstr("Set propety"))));
 }
 
-TEST_F(VgnControlMainRunning, LogsEverythingWhenVerbose) {
-  program_t program({"-v"});
+class VgnControlMainVerbose : public VgnControlMainRunning, public testing::WithParamInterface<const char*> {};
+
+TEST_P(VgnControlMainVerbose, LogsEverything) {
+  launch({GetParam()});
   ASSERT_TRUE(starts());
   EXPECT_THAT(logged(), AllOf(HasSubstr(blocked_line), HasSubstr("<13>"), HasSubstr("Set propety")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, VgnControlMainVerbose, testing::Values("-v", "--verbose"));
+
+void leaveTheLoopWithSeven() {
+  qAddPreRoutine([] { QTimer::singleShot(0, [] { QCoreApplication::exit(7); }); });
+}
+
+TEST_F(VgnControlMainRunning, ReturnsTheCodeThatQtsLoopIsLeftWith) {
+  program_t& program = launch({}, leaveTheLoopWithSeven);
+  EXPECT_EQ(program.exit_code(), 7);
+}
+
+// The coordinator asks for its log category first when it tells that it is blocked. On a stack of its own, because the
+// test framework waits on this one for what its tests throw.
+void failToMakeTheCoordinator() {
+  QLoggingCategory::installFilter([](QLoggingCategory* category) {
+    if (std::string_view(category->categoryName()) == "zyl.vgn.control") {
+      throw std::runtime_error("no category");
+    }
+  });
+  std::thread([] {
+    char name[] = "vgn_control";
+    char* argv[] = {name, nullptr};
+    vgn_control::vgn_control_main(1, argv);
+  }).join();
+}
+
+TEST_F(VgnControlMainRunning, AnExceptionOfTheCoordinatorEndsItWithTheLogClosed) {
+  program_t& program = launch({}, failToMakeTheCoordinator);
+  EXPECT_EQ(program.end(), SIGABRT);
+  EXPECT_THAT(program_t::output(), AllOf(HasSubstr("closelog\n"), HasSubstr("no category")));
+}
+
+/// The program as it is in service: the bus tells that no engine runs, and there is neither streamer nor engine.
+class VgnControlMainUnblocked : public VgnControlMainRunning {
+ protected:
+  VgnControlMainUnblocked() { unsetenv("VGN_CONTROL_BLOCK"); }
+
+  // The coordinator has told the video side, and with that everything else, of the engine's state.
+  bool knowsTheEngine() {
+    service->send({"changed", "/sys/runtimeengine/state", "Stopped"});
+    return service->hears({"set", "/vgn_ui/vgn_ui_control", "1"});
+  }
+};
+
+TEST_F(VgnControlMainUnblocked, LogsDebugLinesWhenVerbose) {
+  launch({"-v"});
+  ASSERT_TRUE(knowsTheEngine());
+  EXPECT_THAT(logged(), AllOf(HasSubstr("<15>"), HasSubstr("Runtime engine status:")));
+}
+
+constexpr const char* level_file_effect = "vgn_streamer_proxy::set_design_stopped";
+
+TEST_F(VgnControlMainUnblocked, LogsWhatTheVideoSideDoes) {
+  launch({});
+  ASSERT_TRUE(knowsTheEngine());
+  EXPECT_THAT(logged(), HasSubstr(level_file_effect));
+}
+
+TEST_F(VgnControlMainUnblocked, TheLevelFileSaysWhatIsLogged) {
+  std::filesystem::create_directories("/var/rwfs2");
+  std::ofstream("/build_info.json") << R"({"git_revision": "abc"})";
+  std::ofstream("/var/rwfs2/log_level.vgn_control.json")
+      << R"({"git_revision": "abc", "vgn_control": {"streamerproxy": "Error"}})";
+  launch({});
+  ASSERT_TRUE(knowsTheEngine());
+  EXPECT_THAT(logged(), Not(HasSubstr(level_file_effect)));
 }
 
 }  // namespace
