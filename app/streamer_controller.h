@@ -14,6 +14,9 @@ class StreamerController : public QObject {
  public:
   /// `owner`: whom the proxy tells of the outputs' modes; see `vgn_streamer_proxy`.
   explicit StreamerController(QObject* owner);
+
+  /// Hosts the given proxy.
+  explicit StreamerController(std::unique_ptr<vgn_streamer_proxy> video_side);
   ~StreamerController() override;
 
   /// Ends `start`. Any thread, directly: the thread that `start` holds delivers no queued call.

@@ -11,6 +11,7 @@
 #include "control_lib/src/vgn_zsd_interface_eb.h"
 #include "edid_lib/edid.h"
 #include "edid_lib/tarn_filter_resolution.h"
+#include "edid_lib/timing_tables.h"
 #include "zyl/log/module_logger.h"
 #include "zyl/platform.h"
 #include "zyl/post.h"
@@ -29,6 +30,14 @@ constexpr uint32_t connection_bits = control_lib::output_connection_event | cont
 constexpr const char* max_resolution = "3840x2160@60";
 constexpr const char* min_resolution = "640x480@59.94";
 
+// The third default mode and the names of the EDID store stand beside the limits; nothing here opens them.
+[[maybe_unused]] constexpr const char* default_resolution = "1920x1080@60";
+[[maybe_unused]] constexpr const char* supported_resolutions_file = "supported_resolutions.json";
+[[maybe_unused]] constexpr const char* unsupported_resolutions_file = "unsupported_resolutions.json";
+[[maybe_unused]] constexpr const char* media_edid_folder = "/media/media/EDIDs/";
+[[maybe_unused]] constexpr const char* system_edid_folder = "/usr/zyl/EDIDs/";
+[[maybe_unused]] constexpr const char* edid_file_4k60 = "4k60.zedid";
+
 int hdmi_outputs_of_model() {
   switch (zyl::platform_t::get().part()) {
     case 137:
@@ -42,6 +51,14 @@ int hdmi_outputs_of_model() {
     default:
       return 0;
   }
+}
+
+// The tables are made when they are first asked; the first display to be plugged in shall not wait for that.
+void make_timing_tables() {
+  edid_lib::established_timings();
+  edid_lib::dmt_timings();
+  edid_lib::cta_timings();
+  edid_lib::hdmi_timings();
 }
 
 edid_lib::tarn_filter_resolution_t usable_modes() {
@@ -63,8 +80,8 @@ vgn_streamer_proxy::deps_t vgn_streamer_proxy::deps_t::of_the_appliance() {
   };
 }
 
-vgn_streamer_proxy::vgn_streamer_proxy(QObject* coordinator, deps_t factories)
-    : owner(coordinator), deps(std::move(factories)) {}
+vgn_streamer_proxy::vgn_streamer_proxy(QObject* coordinator, deps_t factories, info_texts_t info_texts)
+    : owner(coordinator), deps(std::move(factories)), info(std::move(info_texts)) {}
 
 vgn_streamer_proxy::~vgn_streamer_proxy() = default;
 
@@ -83,6 +100,7 @@ void vgn_streamer_proxy::run() {
   ve_ipc = deps.ve_ipc(event_loop.base());
   ve_ipc->add_ipc_observer(this);
   apply_design_state();
+  make_timing_tables();
   event_loop.run();
 
   stop_streamer();
@@ -173,7 +191,9 @@ void vgn_streamer_proxy::on_output_event(uint32_t /*id*/, uint32_t bits, int hdm
 }
 
 void vgn_streamer_proxy::on_output_connection(int hdmi_index) {
-  if (!hdmi_interface || design_running || hdmi_index >= splash_count) {
+  // Not `design_running`: the loop may not have applied that yet, and a design that has come and gone by then restarts
+  // nothing, so that an event dropped for it would be lost.
+  if (!hdmi_interface || !streamer_started || hdmi_index >= splash_count) {
     return;
   }
   bool connected = false;

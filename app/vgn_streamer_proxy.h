@@ -49,9 +49,13 @@ class vgn_streamer_proxy : public sigc::trackable,
     static deps_t of_the_appliance();
   };
 
+  /// A text for the "/xk_splash/<n>/info" of each output.
+  using info_texts_t = std::array<std::string, 2>;
+
   /// `coordinator` hears of the outputs' modes by a queued call of its slot "hdmiPropertiesChanged(quint32,QString)".
-  /// It is not owned. No device or socket is opened before `run`.
-  explicit vgn_streamer_proxy(QObject* coordinator, deps_t factories = deps_t::of_the_appliance());
+  /// It is not owned. No device, bus or engine socket is opened before `run`.
+  explicit vgn_streamer_proxy(QObject* coordinator, deps_t factories = deps_t::of_the_appliance(),
+                              info_texts_t info_texts = {});
   ~vgn_streamer_proxy() override;
 
   vgn_streamer_proxy(const vgn_streamer_proxy&) = delete;
@@ -130,8 +134,7 @@ class vgn_streamer_proxy : public sigc::trackable,
   /// What the loop has made of `design_running` so far.
   bool streamer_started = false;
   std::string image_path;
-  /// Texts for "/xk_splash/<n>/info".
-  std::array<std::string, 2> info;
+  info_texts_t info;
   std::array<int, 2> splash_decoder{-1, -1};
   std::array<bool, 2> splash_startup{};
 };

@@ -11,41 +11,46 @@
 #include "zyl/platform.h"
 #include "zyl/post.h"
 
-StreamerProxyTest::StreamerProxyTest()
-    : proxy(&coordinator, {
-                              [this](event_base* loop) {
-                                base = loop;
-                                auto made = std::make_unique<test_support::mock_property_monitor_t>(journal);
-                                bus = made.get();
-                                return made;
-                              },
-                              [this](event_base* loop) {
-                                auto made = std::make_unique<test_support::mock_vgn_zsd_interface_t>(loop, journal);
-                                hdmi = made.get();
-                                return made;
-                              },
-                              [this](event_base* loop) {
-                                auto made = std::make_unique<test_support::mock_ve_ipc_t>(loop, journal);
-                                engine = made.get();
-                                zyl::post(base, [this] { step(0); });
-                                return made;
-                              },
-                          }) {
+StreamerProxyTest::StreamerProxyTest(vgn_control::vgn_streamer_proxy::info_texts_t info_texts)
+    : proxy(&coordinator,
+            {
+                [this](event_base* loop) {
+                  base = loop;
+                  auto made = std::make_unique<test_support::mock_property_monitor_t>(journal);
+                  bus = made.get();
+                  return made;
+                },
+                [this](event_base* loop) {
+                  auto made = std::make_unique<test_support::mock_vgn_zsd_interface_t>(loop, journal);
+                  hdmi = made.get();
+                  return made;
+                },
+                [this](event_base* loop) {
+                  auto made = std::make_unique<test_support::mock_ve_ipc_t>(loop, journal);
+                  engine = made.get();
+                  zyl::post(base, [this] { step(0); });
+                  return made;
+                },
+            },
+            std::move(info_texts)) {
   set_model("part-106");
 }
 
 void StreamerProxyTest::run(std::vector<step_t> steps) {
+  steps.push_back([this] { proxy.stop(); });
+  run_until_stopped(std::move(steps));
+}
+
+void StreamerProxyTest::run_until_stopped(std::vector<step_t> steps) {
   script = std::move(steps);
   proxy.run();
 }
 
 void StreamerProxyTest::step(std::size_t index) {
-  if (index == script.size()) {
-    proxy.stop();
-    return;
+  if (index < script.size()) {
+    script[index]();
+    zyl::post(base, [this, index] { step(index + 1); });
   }
-  script[index]();
-  zyl::post(base, [this, index] { step(index + 1); });
 }
 
 StreamerProxyTest::lines_t StreamerProxyTest::take(const std::string& who) {
@@ -78,6 +83,15 @@ void StreamerProxyTest::ready(int index) {
   property(control_lib::property_response_e::changed, "/xk_splash/" + std::to_string(index) + "/ready", "1");
 }
 
+spdlog::level::level_enum StreamerProxyTest::level_of(const std::string& text) const {
+  for (const auto& entry : log.entries()) {
+    if (entry.text == text) {
+      return entry.level;
+    }
+  }
+  return spdlog::level::off;
+}
+
 void StreamerProxyTest::set_model(const char* part_number) {
   static zyl::platform_t platform;
   platform = zyl::platform_t([part_number](const std::string& path) -> std::optional<std::string> {
@@ -91,3 +105,5 @@ void StreamerProxyTest::put_disconnected_image() {
   std::filesystem::create_directories(path.parent_path());
   std::ofstream(path) << "picture";
 }
+
+void StreamerProxyTest::remove_disconnected_image() { std::filesystem::remove(image); }

@@ -40,10 +40,13 @@ class StreamerProxyTest : public testing::Test {
 
   static inline const std::string image = "/var/run/xk-graphics/disconnected_image";
 
-  StreamerProxyTest();
+  explicit StreamerProxyTest(vgn_control::vgn_streamer_proxy::info_texts_t info_texts = {});
 
   /// Runs the proxy through the steps and then ends it.
   void run(std::vector<step_t> steps);
+
+  /// Runs it through the steps; somebody else ends it.
+  void run_until_stopped(std::vector<step_t> steps);
 
   /// What the doubles were asked since the last call.
   lines_t take() { return journal.take(); }
@@ -64,8 +67,12 @@ class StreamerProxyTest : public testing::Test {
     proxy.on_property(kind, path, value);
   }
 
+  /// The level of the line that is exactly `text`; off if none was said.
+  spdlog::level::level_enum level_of(const std::string& text) const;
+
   static void set_model(const char* part_number);
   static void put_disconnected_image();
+  static void remove_disconnected_image();
 
   test_support::log_capture_t log{"streamerproxy"};
   test_support::journal_t journal;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -14,13 +15,18 @@
 #include "test_support/fake_process.h"
 #include "test_support/fake_property_service.h"
 #include "test_support/log_capture.h"
+#include "test_support/qt_log_capture.h"
 #include "test_support/qt_loop_until.h"
 #include "zyl/dev_options.h"
 
 namespace {
 
+using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 using vgn_control::VgnControl;
 using request_t = test_support::fake_property_service_t::request_t;
 
@@ -90,8 +96,33 @@ class VgnControlTest : public testing::Test {
   QTimer& idModeTimer() { return *control->findChild<QTimer*>(); }
   void expireIdMode() { QMetaObject::invokeMethod(&idModeTimer(), "timeout"); }
 
+  // A line like "Set propety  "/a/path"  to value:  "0"" : Qt puts blanks and quotes around.
+  static std::string setting(const std::string& path, const std::string& value) {
+    return "Set propety +\"" + path + "\" +to value: +\"" + value + "\"";
+  }
+
+  // What the video side had been told of the design when a property was about to be written.
+  std::vector<std::string> videoSideAtWriteOf(const char* path, const char* value, const char* state) {
+    std::vector<std::string> knew;
+    log.clear();
+    on_qt_line = [&](const std::string& text) {
+      if (testing::Matches(MatchesRegex(setting(path, value)))(text)) {
+        knew = log.lines();
+      }
+    };
+    tell(engine_state, state);
+    on_qt_line = nullptr;
+    return knew;
+  }
+
   // Made before the threads that log, and gone after them.
   test_support::log_capture_t log{"streamerproxy"};
+  std::function<void(const std::string& text)> on_qt_line;
+  test_support::qt_log_capture_t qt_log{[this](const auto& line) {
+    if (line.type == QtInfoMsg && line.text != "StreamerController started" && on_qt_line) {
+      on_qt_line(line.text);
+    }
+  }};
   test_support::fake_property_service_t service{test_support::fake_property_service_t::from({
       {engine_state, ""},
       {design_status, ""},
@@ -164,6 +195,24 @@ TEST_F(VgnControlTest, TellsTheVideoSideThatADesignRuns) {
   EXPECT_TRUE(log.said("vgn_streamer_proxy::set_design_running"));
 }
 
+TEST_F(VgnControlTest, TellsTheVideoSideBeforeItHandsTheScreensOver) {
+  start();
+  EXPECT_THAT(videoSideAtWriteOf(ui_control, "0", "Running"), Contains("vgn_streamer_proxy::set_design_running"));
+  EXPECT_THAT(videoSideAtWriteOf(ui_control, "1", "Stopped"), Contains("vgn_streamer_proxy::set_design_stopped"));
+}
+
+TEST_F(VgnControlTest, LogsTheEngineStatusWithTheIdMode) {
+  start();
+  tell(id_mode, "on");
+  tell(engine_state, "Running");
+  tell(engine_state, "Stopped");
+  const auto status = [](const char* text) {
+    return AllOf(HasSubstr("VgnControl::runtimeEngineStatusChanged(bool)"),
+                 testing::ContainsRegex(std::string("Runtime engine status: ") + text + " +id mode: +\"on\"$"));
+  };
+  EXPECT_THAT(qt_log.lines(QtDebugMsg), testing::IsSupersetOf({status("true"), status("false")}));
+}
+
 TEST_F(VgnControlTest, FollowsTheRuntimeEngineProcess) {
   start();
   written(ui_control);
@@ -181,6 +230,8 @@ TEST_F(VgnControlTest, PassesTheDesignStatusOn) {
   tell(design_status, "OK");
   tell(design_status, "Faulted");
   EXPECT_THAT(designStatuses, ElementsAre("OK", "Faulted"));
+  EXPECT_THAT(qt_log.lines(QtDebugMsg),
+              testing::IsSupersetOf({"design_status_updated \"OK\"", "design_status_updated \"Faulted\""}));
 }
 
 TEST_F(VgnControlTest, PassesTheValidFormatOn) {
@@ -211,6 +262,7 @@ TEST_F(VgnControlTest, DoesNotWriteAPropertyThatItDoesNotWatch) {
   start();
   control->setProperty("/nobody/asked", "1");
   EXPECT_THAT(written("/nobody/asked"), IsEmpty());
+  EXPECT_THAT(qt_log.lines(QtInfoMsg), Contains(MatchesRegex(setting("/nobody/asked", "1"))));
 }
 
 TEST_F(VgnControlTest, TheFirstPressOfTheIdKeyTurnsIdModeOnForFiveMinutes) {
@@ -218,7 +270,18 @@ TEST_F(VgnControlTest, TheFirstPressOfTheIdKeyTurnsIdModeOnForFiveMinutes) {
   control->idKeyPressed(true);
   EXPECT_THAT(written(id_mode), ElementsAre("on"));
   EXPECT_TRUE(idModeTimer().isActive());
+  EXPECT_FALSE(idModeTimer().isSingleShot());
   EXPECT_EQ(idModeTimer().interval(), 300'000);
+}
+
+TEST_F(VgnControlTest, LogsTheRequestsOfIdMode) {
+  start();
+  control->idKeyPressed(true);
+  expireIdMode();
+  std::vector<std::string> lines = qt_log.lines(QtInfoMsg);
+  std::erase_if(lines, [](const std::string& line) { return line.find("Id mode") == std::string::npos; });
+  EXPECT_THAT(lines,
+              ElementsAre(MatchesRegex("request new Id mode: +true"), MatchesRegex("request new Id mode: +false")));
 }
 
 TEST_F(VgnControlTest, AReleaseOfTheIdKeyDoesNothing) {
@@ -259,6 +322,13 @@ TEST_F(VgnControlTest, PublishesTheSizeOfTheFirstOutput) {
   EXPECT_THAT(written(hdmi1_properties), ElementsAre("1920x1080", "961x540", "1920x1080"));
 }
 
+TEST_F(VgnControlTest, LogsWhatItHearsOfAnOutput) {
+  start();
+  control->hdmiPropertiesChanged(1, "3840x2160@60");
+  EXPECT_THAT(qt_log.lines(QtDebugMsg), Contains("HDMI out 1 properties changed: 3840x2160@60"));
+  EXPECT_THAT(qt_log.lines(QtInfoMsg), Contains("Resolution matched 3840x2160"));
+}
+
 TEST_F(VgnControlTest, PublishesAnyOtherOutputAsTheSecond) {
   start();
   control->hdmiPropertiesChanged(1, "640x480@60");
@@ -297,7 +367,9 @@ TEST_F(VgnControlTest, BlockedItKeepsTheScreensFromTheUiAndStartsNoThread) {
 
 TEST_F(VgnControlTest, UnblockedItRunsTwoThreads) {
   start();
-  for (const QThread* thread : control->findChildren<QThread*>()) {
+  const auto threads = control->findChildren<QThread*>();
+  EXPECT_EQ(threads.size(), 2);
+  for (const QThread* thread : threads) {
     EXPECT_TRUE(thread->isRunning());
   }
 }

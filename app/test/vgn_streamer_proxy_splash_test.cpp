@@ -9,6 +9,7 @@ using control_lib::property_response_e;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 using testing::Not;
 
 /// The streamer system is up, the engine is there, and a Full HD display is on the first output. Nothing is ready.
@@ -91,7 +92,8 @@ TEST_F(SplashTest, ADecoderThatCannotBeOpenedEndsTheAttempt) {
          ready(0);
        },
        [this] { EXPECT_THAT(take(), ElementsAre("engine open_decoder 4 \"videng-pnl8-dmabuf0\":0 ''")); }});
-  EXPECT_TRUE(log.said("vgn_streamer_proxy::connect_xk_splash open_decoder failed videng-pnl8-dmabuf0"));
+  EXPECT_EQ(level_of("vgn_streamer_proxy::connect_xk_splash open_decoder failed videng-pnl8-dmabuf0"),
+            spdlog::level::err);
 }
 
 TEST_F(SplashTest, ARefusedRawOutputStopsNothing) {
@@ -112,6 +114,21 @@ TEST_F(SplashTest, NothingIsOpenedWithoutTheEngineUntilItComes) {
          engine->is_ready = true;
          proxy.ipc_event(control_lib::ve_ipc_up);
          EXPECT_EQ(take().back(), "bus set /xk_splash/0/mode 'boot_splash_screen'");
+       }});
+}
+
+TEST_F(SplashTest, AnEngineThatComesOpensTheSplashOfBothOutputs) {
+  run({[this] {
+         engine->is_ready = false;
+         ready(0);
+         ready(1);
+       },
+       [this] {
+         engine->is_ready = true;
+         proxy.ipc_event(control_lib::ve_ipc_up);
+         EXPECT_THAT(take("bus"),
+                     ElementsAre("bus set /xk_splash/0/info ''", "bus set /xk_splash/0/mode 'boot_splash_screen'",
+                                 "bus set /xk_splash/1/info ''", "bus set /xk_splash/1/mode 'boot_splash_screen'"));
        }});
 }
 
@@ -236,6 +253,47 @@ TEST_F(SplashTest, WithADisconnectedImageTheSecondOutputSetsTheModeOfTheFirst) {
        [this] {
          const lines_t lines = take("bus");
          EXPECT_THAT(lines, ElementsAre("bus set /xk_splash/0/info ''", "bus set /xk_splash/0/mode 'graphic'"));
+       }});
+}
+
+TEST_F(SplashTest, ADisconnectedImageThatIsGoneAtTheNextStartIsForgotten) {
+  put_disconnected_image();
+  run({[this] {
+         remove_disconnected_image();
+         ready(0);
+       },
+       [this] { EXPECT_EQ(take().back(), "bus set /xk_splash/0/mode 'graphic'"); },
+       [this] { proxy.set_design_running(); }, [this] { proxy.set_design_stopped(); },
+       [this] {
+         forget();
+         ready(0);
+       },
+       [this] { EXPECT_EQ(take().back(), "bus set /xk_splash/0/mode 'boot_splash_screen'"); }});
+}
+
+/// The proxy was given a text for each output.
+class SplashInfoTest : public StreamerProxyTest {
+ protected:
+  SplashInfoTest() : StreamerProxyTest({"first text", "second text"}) {}
+};
+
+TEST_F(SplashInfoTest, EachOutputShowsItsOwnText) {
+  run({[this] {
+         ready(0);
+         ready(1);
+       },
+       [this] {
+         EXPECT_THAT(take("bus"), IsSupersetOf({"bus set /xk_splash/0/info 'first text'",
+                                                "bus set /xk_splash/1/info 'second text'"}));
+       }});
+}
+
+TEST_F(SplashInfoTest, ADisconnectedImageComesWithTheTextOfTheFirstOutput) {
+  put_disconnected_image();
+  run({[this] { EXPECT_EQ(take("bus").back(), "bus set /xk_splash/0/info 'first text'"); }, [this] { ready(1); },
+       [this] {
+         EXPECT_THAT(take("bus"),
+                     ElementsAre("bus set /xk_splash/0/info 'first text'", "bus set /xk_splash/0/mode 'graphic'"));
        }});
 }
 
