@@ -70,7 +70,7 @@ class fake_vgn_driver_t::device_t : public vgn::device_t {
     if (!driver.is_open) {
       return -EBADF;
     }
-    return driver.failing.contains(request) ? -EIO : driver.serve(request, record);
+    return driver.fails(request) ? -EIO : driver.serve(request, record);
   }
 
   int64_t read(std::span<std::byte> buffer) override {
@@ -113,6 +113,15 @@ void fake_vgn_driver_t::end_events() {
 }
 
 std::vector<std::string> fake_vgn_driver_t::take_commands() { return std::exchange(commands, {}); }
+
+bool fake_vgn_driver_t::fails(uint32_t request) {
+  const auto planned = failing_call.find(request);
+  if (planned != failing_call.end() && --planned->second == 0) {
+    failing_call.erase(planned);
+    return true;
+  }
+  return failing.contains(request);
+}
 
 int fake_vgn_driver_t::serve(uint32_t request, void* record) {
   switch (request) {

@@ -67,6 +67,8 @@ class fake_vgn_driver_t {
   std::map<uint32_t, output_t> outputs;
   /// Requests that fail with EIO.
   std::set<uint32_t> failing;
+  /// Requests of which one call to come fails with EIO: 1 the next one, 2 the one after it.
+  std::map<uint32_t, uint32_t> failing_call;
   /// What `open` gives, 0 or a negative errno, and the node that it was last asked for.
   int open_result = 0;
   std::string opened_node;
@@ -82,6 +84,7 @@ class fake_vgn_driver_t {
  private:
   class device_t;
 
+  bool fails(uint32_t request);
   int serve(uint32_t request, void* record);
   int serve_resources(vgn::resources_record_t& record);
   int serve_edid(vgn::edid_record_t& record);

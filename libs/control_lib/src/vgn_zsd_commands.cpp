@@ -86,7 +86,7 @@ bool vgn_zsd_interface_t::set_output(int index, int input_id, bool muted, bool f
   const bool changes = input != output->source;
   log_info_s() << "vgn_zsd_interface_t::set_output(" << name_of(input) << " -> " << output->name
                << ", muted=" << truth(muted) << ", freeze=" << truth(frozen)
-               << ") remove_output_source=" << yes_or_no(changes && output->source != nullptr)
+               << " remove_output_source=" << yes_or_no(changes && output->source != nullptr)
                << " set_output_source=" << yes_or_no(changes && input != nullptr) << " ";
   bool done = route(*output, input);
   done &= apply_mute(*output, muted);
@@ -131,24 +131,25 @@ vgn_input_t* vgn_zsd_interface_t::source_input(int input_id) const {
   return input_id != -1 ? find_input(static_cast<uint32_t>(input_id)) : nullptr;
 }
 
-// Gives the output this source and no other. An old source that will not go is forgotten all the same: the next one
-// replaces it.
+// Gives the output this source and no other. An old source that will not go fails the call, but is forgotten all the
+// same: the next one replaces it.
 bool vgn_zsd_interface_t::route(vgn_output_t& output, vgn_input_t* input) {
   if (input == output.source) {
     return true;
   }
+  bool done = true;
   if (output.source != nullptr) {
-    system->remove_output_source(output.id, output.source->id, output.source->hw_source);
+    done = system->remove_output_source(output.id, output.source->id, output.source->hw_source);
     output.source = nullptr;
   }
   if (input == nullptr) {
-    return true;
+    return done;
   }
   if (!system->set_output_source(output.id, input->id, input->hw_source)) {
     return false;
   }
   output.source = input;
-  return true;
+  return done;
 }
 
 bool vgn_zsd_interface_t::apply_mute(vgn_output_t& output, bool muted) {

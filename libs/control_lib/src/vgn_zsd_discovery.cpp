@@ -1,5 +1,8 @@
 // The interface learns and forgets the resources of a streamer device, and hears its link events.
-#include <cstdio>
+#include <charconv>
+#include <optional>
+#include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "control_lib/src/vgn_zsd_interface.h"
@@ -13,7 +16,7 @@ namespace control_lib {
 namespace {
 
 // Capture outputs say their place in their names; no device has nearly as many.
-constexpr int max_capture_outputs = 64;
+constexpr size_t max_capture_outputs = 64;
 
 constexpr uint32_t all_bits = 0xFFFFFF;
 
@@ -29,6 +32,33 @@ template <typename Resource>
 void append(std::vector<Resource*>& resources, Resource& resource) {
   resource.index = static_cast<int>(resources.size());
   resources.push_back(&resource);
+}
+
+// The number behind `prefix`; nothing for another name, and for a number that no device has.
+std::optional<size_t> number_behind(std::string_view name, std::string_view prefix) {
+  if (!name.starts_with(prefix)) {
+    return std::nullopt;
+  }
+  size_t number = 0;
+  const auto result = std::from_chars(name.data() + prefix.size(), name.data() + name.size(), number);
+  return result.ec == std::errc() && number < max_capture_outputs ? std::optional(number) : std::nullopt;
+}
+
+// Puts the output where its name says. False if the name says nothing, or another output is there already.
+bool place_at_number(std::vector<vgn_output_t*>& list, vgn_output_t& output, std::string_view prefix) {
+  const auto number = number_behind(output.name, prefix);
+  if (!number) {
+    return false;
+  }
+  if (list.size() <= *number) {
+    list.resize(*number + 1);
+  }
+  if (list[*number] != nullptr) {
+    return false;
+  }
+  output.index = static_cast<int>(*number);
+  list[*number] = &output;
+  return true;
 }
 
 template <typename Resources>
@@ -77,14 +107,13 @@ void vgn_zsd_interface_t::system_added(vgn::system_t& added) {
     log_info_s() << "system_added called again without sytem_removed";
     return;
   }
+  system = &added;
   std::vector<uint32_t> input_ids;
   std::vector<uint32_t> output_ids;
-  if (!added.get_resources(input_ids, output_ids)) {
+  if (!system->get_resources(input_ids, output_ids)) {
     log_error_s() << "get_resources failed!";
-    return;
   }
   log_info_s() << "get_resources() => input_ids=" << list_of(input_ids) << " output_ids=" << list_of(output_ids);
-  system = &added;
   for (const uint32_t id : input_ids) {
     add_input(id);
   }
@@ -113,18 +142,16 @@ void vgn_zsd_interface_t::add_input(uint32_t id) {
     return;
   }
   log_debug_s() << "get_input(" << id << ") => " << resource.name << " " << input_kind_word(resource.kind);
-  auto* const kin = inputs_of_kind(resource.kind);
-  if (kin == nullptr) {
-    log_info_s() << "Skipping input " << resource.name;
-    return;
+  auto& input = *inputs.emplace_back(std::make_unique<vgn_input_t>());
+  input.name = std::move(resource.name);
+  input.kind = resource.kind;
+  input.id = id;
+  input.hw_source = resource.hw_source;
+  if (auto* const kin = inputs_of_kind(resource.kind); kin != nullptr) {
+    append(*kin, input);
+  } else {
+    log_info_s() << "Skipping input " << input.name;
   }
-  auto input = std::make_unique<vgn_input_t>();
-  input->name = std::move(resource.name);
-  input->kind = resource.kind;
-  input->id = id;
-  input->hw_source = resource.hw_source;
-  append(*kin, *input);
-  inputs.push_back(std::move(input));
 }
 
 vgn_zsd_interface_t::inputs_t* vgn_zsd_interface_t::inputs_of_kind(uint32_t kind) {
@@ -152,43 +179,24 @@ void vgn_zsd_interface_t::add_output(uint32_t id) {
     return;
   }
   log_debug_s() << "get_output(" << id << ") => " << resource.name << " " << output_kind_word(resource.kind);
-  auto output = std::make_unique<vgn_output_t>();
-  output->name = std::move(resource.name);
-  output->kind = resource.kind;
-  output->id = id;
+  auto& output = *outputs.emplace_back(std::make_unique<vgn_output_t>());
+  output.name = std::move(resource.name);
+  output.kind = resource.kind;
+  output.id = id;
   switch (static_cast<vgn::output_kind_e>(resource.kind)) {
     case vgn::output_kind_e::hdmi_out:
-      append(hdmi_outputs, *output);
-      outputs.push_back(std::move(output));
+      append(hdmi_outputs, output);
       break;
     case vgn::output_kind_e::capture:
-      add_capture_output(std::move(output));
+      if (!place_at_number(capture_outputs, output, "frame_capture_out_") &&
+          !place_at_number(v4l2_outputs, output, "frame_capture_v4l2_out_")) {
+        log_info_s() << "Unknown capture output: " << output.name;
+      }
       break;
     default:
-      log_info_s() << "Skipping output " << output->name;
+      log_info_s() << "Skipping output " << output.name;
       break;
   }
-}
-
-void vgn_zsd_interface_t::add_capture_output(std::unique_ptr<vgn_output_t> output) {
-  int place = -1;
-  outputs_t* kin = nullptr;
-  if (std::sscanf(output->name.c_str(), "frame_capture_out_%d", &place) == 1) {
-    kin = &capture_outputs;
-  } else if (std::sscanf(output->name.c_str(), "frame_capture_v4l2_out_%d", &place) == 1) {
-    kin = &v4l2_outputs;
-  }
-  if (kin == nullptr || place < 0 || place >= max_capture_outputs) {
-    log_info_s() << "Unknown capture output: " << output->name;
-    return;
-  }
-  output->index = place;
-  const auto position = static_cast<size_t>(place);
-  if (kin->size() <= position) {
-    kin->resize(position + 1);
-  }
-  (*kin)[position] = output.get();
-  outputs.push_back(std::move(output));
 }
 
 void vgn_zsd_interface_t::print_resources() const {
@@ -206,7 +214,7 @@ void vgn_zsd_interface_t::print_resources() const {
 void vgn_zsd_interface_t::remove_all_sources() {
   for (const auto& output : outputs) {
     for (const auto& input : inputs) {
-      system->remove_output_source(output->id, input->id, input->hw_source);
+      system->clear_output_source(output->id, input->id, input->hw_source);
     }
   }
 }

@@ -150,7 +150,6 @@ class vgn_zsd_interface_t {
   void add_input(uint32_t id);
   void add_output(uint32_t id);
   inputs_t* inputs_of_kind(uint32_t kind);
-  void add_capture_output(std::unique_ptr<vgn_output_t> output);
   void print_resources() const;
   void remove_all_sources();
   void release_resources();

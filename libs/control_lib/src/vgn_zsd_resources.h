@@ -43,7 +43,7 @@ using resource_signal_t = sigc::signal<void, uint32_t, uint32_t>;
 struct vgn_input_t {
   std::string name;
   uint32_t kind = 0;  ///< `vgn::input_kind_e`
-  int index = 0;      ///< place in its vector
+  int index = -1;     ///< place in its vector; -1 if its kind has none
   uint32_t id = 0;
   resource_signal_t events;
   uint32_t hw_source = 0;  ///< source number for routing
@@ -57,7 +57,7 @@ struct vgn_input_t {
 struct vgn_output_t {
   std::string name;
   uint32_t kind = 0;  ///< `vgn::output_kind_e`
-  int index = 0;      ///< place in its vector
+  int index = -1;     ///< place in its vector; -1 if its kind has none
   uint32_t id = 0;
   resource_signal_t events;
   vgn_input_t* source = nullptr;  ///< the routed input, or null

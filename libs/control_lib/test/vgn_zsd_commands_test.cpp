@@ -60,6 +60,12 @@ TEST_F(enable_hdmi_output, takes_the_source_from_an_output_that_is_turned_off) {
   EXPECT_THAT(driver.take_commands(), IsEmpty());
 }
 
+TEST_F(enable_hdmi_output, is_false_when_the_source_will_not_go) {
+  interface->set_output(0, 3, false, false);
+  driver.failing = {vgn::remove_output_source_request};
+  EXPECT_FALSE(interface->enable_hdmi_output(0, false, false));
+}
+
 TEST_F(enable_hdmi_output, does_not_program_a_mode_that_was_set_before) {
   interface->set_output_mode(0, full_hd);
   forget();
@@ -98,6 +104,18 @@ TEST_F(set_output_mode, raises_its_event_only_when_the_timing_changes) {
   EXPECT_THAT(events, ElementsAre("output 20 bits 64", "output 20 bits 64"));
 }
 
+TEST_F(set_output_mode, raises_its_event_before_it_remembers_the_timing) {
+  std::vector<int> widths_seen;
+  interface->add_output_observer(0, [this, &widths_seen](uint32_t, uint32_t) {
+    video_size_t size;
+    interface->get_output_mode(0, size);
+    widths_seen.push_back(size.width);
+  });
+  interface->set_output_mode(0, full_hd);
+  interface->set_output_mode(0, ultra_hd);
+  EXPECT_THAT(widths_seen, ElementsAre(0, 1920));
+}
+
 TEST_F(set_output_mode, programs_the_same_timing_again) {
   enable();
   interface->set_output_mode(0, full_hd);
@@ -118,7 +136,7 @@ TEST_F(set_output, routes_an_input_and_enables_the_output) {
   EXPECT_TRUE(interface->set_output(0, 3, false, false));
   EXPECT_THAT(driver.take_commands(), ElementsAre("set_source 20 <- 3 hw 8"));
   EXPECT_THAT(log.lines(), ElementsAre("vgn_zsd_interface_t::set_output(inject_0 -> hdmi_out_0, muted=false, "
-                                       "freeze=false) remove_output_source=no set_output_source=yes ",
+                                       "freeze=false remove_output_source=no set_output_source=yes ",
                                        "vgn_zsd_interface_t::enable_hdmi_output(0) previous=unknown new=enable"));
 }
 
@@ -127,7 +145,7 @@ TEST_F(set_output, to_what_is_routed_already_changes_nothing) {
   forget();
   EXPECT_TRUE(interface->set_output(0, 3, true, true));
   EXPECT_THAT(log.lines(), ElementsAre("vgn_zsd_interface_t::set_output(inject_0 -> hdmi_out_0, muted=true, "
-                                       "freeze=true) remove_output_source=no set_output_source=no "));
+                                       "freeze=true remove_output_source=no set_output_source=no "));
   EXPECT_THAT(driver.take_commands(), IsEmpty());
   EXPECT_THAT(events, IsEmpty());
 }
@@ -138,7 +156,7 @@ TEST_F(set_output, removes_the_old_source_before_it_sets_the_new_one) {
   EXPECT_TRUE(interface->set_output(0, 4, false, false));
   EXPECT_THAT(driver.take_commands(), ElementsAre("remove_source 20 <- 3 hw 8", "set_source 20 <- 4 hw 9"));
   EXPECT_THAT(log.lines(), ElementsAre("vgn_zsd_interface_t::set_output(inject_1 -> hdmi_out_0, muted=false, "
-                                       "freeze=false) remove_output_source=yes set_output_source=yes "));
+                                       "freeze=false remove_output_source=yes set_output_source=yes "));
 }
 
 TEST_F(set_output, to_no_input_removes_the_source) {
@@ -148,7 +166,7 @@ TEST_F(set_output, to_no_input_removes_the_source) {
     EXPECT_TRUE(interface->set_output(0, none, false, false));
     EXPECT_THAT(driver.take_commands(), ElementsAre("remove_source 20 <- 3 hw 8"));
     EXPECT_THAT(log.lines(), ElementsAre("vgn_zsd_interface_t::set_output(none -> hdmi_out_0, muted=false, "
-                                         "freeze=false) remove_output_source=yes set_output_source=no "));
+                                         "freeze=false remove_output_source=yes set_output_source=no "));
   }
 }
 
@@ -192,6 +210,29 @@ TEST_F(set_output, that_the_driver_refuses_can_be_tried_again) {
   driver.failing.clear();
   EXPECT_TRUE(interface->set_output(0, 3, true, false));
   EXPECT_THAT(driver.take_commands(), ElementsAre("set_source 20 <- 3 hw 8", "mute 20 1"));
+}
+
+TEST_F(set_output, that_cannot_remove_the_old_source_is_false_and_still_sets_the_new_one) {
+  interface->set_output(0, 3, false, false);
+  forget();
+  driver.failing = {vgn::remove_output_source_request};
+  EXPECT_FALSE(interface->set_output(0, 4, false, false));
+  EXPECT_THAT(driver.take_commands(), ElementsAre("set_source 20 <- 4 hw 9"));
+  EXPECT_FALSE(interface->set_output(0, -1, false, false));
+  EXPECT_TRUE(interface->set_output(0, -1, false, false)) << "a source that would not go has been remembered";
+}
+
+TEST_F(set_output, mutes_before_it_freezes) {
+  interface->set_output(0, 3, true, true);
+  EXPECT_THAT(driver.take_commands(), ElementsAre("set_source 20 <- 3 hw 8", "mute 20 1", "freeze 20 1"));
+}
+
+TEST_F(set_output, tells_of_no_change_of_a_display_that_was_there_at_the_start) {
+  system->device_removed(streamer_device());
+  driver.outputs[20].connected = true;
+  bring_up();
+  interface->set_output(0, 3, false, false);
+  EXPECT_THAT(log.lines(), SizeIs(2)) << "more than the route and the enabling were told";
 }
 
 using set_output_source = vgn_zsd_commands;
@@ -261,6 +302,7 @@ TEST_F(vgn_zsd_commands, from_other_threads_are_posted_with_their_arguments) {
     call();
   }
   const auto commands = driver.take_commands();
+  ASSERT_GE(commands.size(), 7U);
   EXPECT_THAT(
       std::vector<std::string>(commands.begin(), commands.begin() + 7),
       ElementsAre("set_audio_clock 20 6144 148500 148500", "set_timing 20 148500 1920 1080", "set_source 20 <- 3 hw 8",

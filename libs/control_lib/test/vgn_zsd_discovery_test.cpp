@@ -76,12 +76,18 @@ TEST_F(vgn_zsd_discovery, goes_on_after_an_unknown_capture_output) {
   driver.outputs = {{30, {.name = "frame_grabber_0", .kind = 1}},
                     {31, {.name = "frame_capture_out_-1", .kind = 1}},
                     {32, {.name = "frame_capture_out_2000000000", .kind = 1}},
+                    {35, {.name = "frame_capture_out_99999999999999", .kind = 1}},
+                    {36, {.name = "frame_capture_v4l2_out_64", .kind = 1}},
+                    {37, {.name = "frame_capture_out_", .kind = 1}},
                     {33, {.name = "writeback", .kind = 4}},
                     {34, {.name = "hdmi_out_0", .kind = 0}}};
   discover();
   EXPECT_TRUE(log.said("Unknown capture output: frame_grabber_0"));
   EXPECT_TRUE(log.said("Unknown capture output: frame_capture_out_-1"));
   EXPECT_TRUE(log.said("Unknown capture output: frame_capture_out_2000000000"));
+  EXPECT_TRUE(log.said("Unknown capture output: frame_capture_out_99999999999999"));
+  EXPECT_TRUE(log.said("Unknown capture output: frame_capture_v4l2_out_64"));
+  EXPECT_TRUE(log.said("Unknown capture output: frame_capture_out_"));
   EXPECT_TRUE(log.said("Skipping output writeback"));
   EXPECT_EQ(interface->output_count(), 1);
   EXPECT_EQ(starts, 1);
@@ -96,14 +102,60 @@ TEST_F(vgn_zsd_discovery, goes_on_without_resources_that_cannot_be_read) {
   EXPECT_TRUE(interface->active());
 }
 
-TEST_F(vgn_zsd_discovery, that_gets_no_list_of_resources_leaves_the_device_alone) {
+TEST_F(vgn_zsd_discovery, that_gets_no_list_of_resources_goes_on_with_none) {
   driver.failing = {vgn::resources_request};
   discover();
-  EXPECT_TRUE(log.said("get_resources failed!"));
-  EXPECT_EQ(log.entries().back().level, spdlog::level::err);
-  EXPECT_EQ(interface->output_count(), -1);
-  EXPECT_FALSE(interface->active());
-  EXPECT_EQ(starts, 0);
+  EXPECT_THAT(log.lines(), ElementsAre("vgn_zsd_interface_t::start", "system_added(/dev/vgnsys-0)",
+                                       "get_resources failed!", "get_resources() => input_ids=[] output_ids=[]"));
+  EXPECT_EQ(log.entries()[2].level, spdlog::level::err);
+  EXPECT_EQ(interface->output_count(), 0);
+  EXPECT_TRUE(interface->active());
+  EXPECT_EQ(starts, 1);
+}
+
+TEST_F(vgn_zsd_discovery, initialises_the_mux_once_before_it_prints_the_resources) {
+  discover();
+  EXPECT_THAT(told_at_mux_init,
+              ElementsAre(ElementsAre("vgn_zsd_interface_t::start", "system_added(/dev/vgnsys-0)",
+                                      "get_resources() => input_ids=[1, 2, 3, 4] output_ids=[20, 21]")));
+}
+
+TEST_F(vgn_zsd_discovery, keeps_resources_of_kinds_without_a_list) {
+  driver.inputs = {{1, {.name = "encoder", .kind = 2, .hw = 5}}};
+  driver.outputs = {{30, {.name = "frame_grabber_0", .kind = 1}}, {33, {.name = "writeback", .kind = 4}}};
+  discover();
+  EXPECT_THAT(driver.take_commands(), ElementsAre("remove_source 30 <- 1 hw 5", "remove_source 33 <- 1 hw 5"));
+  log.clear();
+  observe_input(1);
+  interface->link_changed(1, 1);
+  interface->link_changed(30, 5);
+  interface->link_changed(33, 5);
+  EXPECT_THAT(events, ElementsAre("input 1 bits 16"));
+  EXPECT_THAT(log.lines(), ElementsAre("vgn_zsd_interface_t::link_changed(id=1, type=input_streamup observers=1",
+                                       "vgn_zsd_interface_t::link_changed(id=30, type=output_connection observers=0",
+                                       "vgn_zsd_interface_t::link_changed(id=33, type=output_connection observers=0"));
+}
+
+TEST_F(vgn_zsd_discovery, gives_a_place_to_the_first_of_two_capture_outputs_that_claim_it) {
+  driver.outputs = {{30, {.name = "frame_capture_out_1", .kind = 1}},
+                    {31, {.name = "frame_capture_out_01", .kind = 1}}};
+  discover();
+  EXPECT_THAT(lines_about("capture_outputs"),
+              ElementsAre(R"(capture_outputs[1] name="frame_capture_out_1" index=1 id=30)"));
+  EXPECT_TRUE(log.said("Unknown capture output: frame_capture_out_01"));
+}
+
+TEST_F(vgn_zsd_discovery, polls_until_the_device_goes) {
+  const auto waited_for = [this] { return event_base_get_num_events(loop.base(), EVENT_BASE_COUNT_ADDED); };
+  const int before = waited_for();
+  discover();
+  EXPECT_EQ(waited_for(), before + 2) << "the device's events and the poll";
+  interface->stop();
+  EXPECT_EQ(waited_for(), before);
+  interface->start();
+  EXPECT_EQ(waited_for(), before + 2);
+  interface->system_removed(*system);
+  EXPECT_EQ(waited_for(), before + 1) << "the device's events alone";
 }
 
 TEST_F(vgn_zsd_discovery, removes_every_source_from_every_output) {

@@ -15,14 +15,17 @@
 #include "test_support/loop_until.h"
 #include "zyl/event_loop.h"
 
-/// A mux that blocks the inputs that a test says.
+/// A mux that blocks the inputs that a test says, and tells when it is initialised.
 class stub_mux_t : public control_lib::vgn_zsd_interface_t::mux_logic_t {
  public:
-  explicit stub_mux_t(const std::set<int>& blocked_inputs) : blocked(blocked_inputs) {}
+  stub_mux_t(const std::set<int>& blocked_inputs, std::function<void()> tell_init)
+      : blocked(blocked_inputs), on_init(std::move(tell_init)) {}
   bool is_input_blocked(int index) const override { return blocked.contains(index); }
+  void init(control_lib::vgn_zsd_interface_t& /*interface*/) override { on_init(); }
 
  private:
   const std::set<int>& blocked;
+  std::function<void()> on_init;
 };
 
 /// The HDMI interface on a driver in memory with two HDMI inputs (ids 1 and 2), two inject inputs (3 and 4) and two
@@ -52,8 +55,8 @@ class vgn_zsd_fixture : public testing::Test {
     driver.outputs[21] = {.name = "hdmi_out_1", .kind = 0};
     auto owned = std::make_unique<vgn::system_t>(loop.base(), driver.make_device(), false);
     system = owned.get();
-    interface =
-        std::make_unique<interface_t>(loop.base(), std::move(owned), std::make_unique<stub_mux_t>(blocked_inputs));
+    auto mux = std::make_unique<stub_mux_t>(blocked_inputs, [this] { told_at_mux_init.push_back(log.lines()); });
+    interface = std::make_unique<interface_t>(loop.base(), std::move(owned), std::move(mux));
   }
 
   static lnx::udev_device_t streamer_device() {
@@ -86,6 +89,8 @@ class vgn_zsd_fixture : public testing::Test {
   }
 
   std::set<int> blocked_inputs;
+  /// What the log said each time that the mux was initialised.
+  std::vector<std::vector<std::string>> told_at_mux_init;
   test_support::fake_vgn_driver_t driver;
   zyl::event_loop_t loop;
   vgn::system_t* system = nullptr;

@@ -3,7 +3,7 @@
 namespace vgn {
 namespace {
 
-// HDMI 2.0 section 6.1.3.2: above this character rate the TMDS clock runs at a quarter of it.
+// HDMI 2.0: above this character rate the TMDS clock runs at a quarter of it.
 constexpr uint32_t direct_clock_limit_khz = 340'000;
 
 uint64_t quotient_or_zero(uint64_t dividend, uint64_t divisor) { return divisor != 0 ? dividend / divisor : 0; }

@@ -31,7 +31,8 @@ struct hdcp_status_t {
 /// The streamer driver: finds its device, opens it, passes its events on and wraps each of its requests.
 ///
 /// Each request gives true if the driver took it; after false, and while no device is open, its out-arguments are as
-/// they were. Thread of the loop, construction and destruction included.
+/// they were. A failure is an error in the log, but for the states that are polled. Thread of the loop, construction
+/// and destruction included.
 class system_t {
  public:
   /// With `use_udev` the device is looked for by udev; without, `device_added` and `device_removed` tell of it. `base`
@@ -91,6 +92,9 @@ class system_t {
   bool set_output_source(uint32_t output_id, uint32_t input_id, uint32_t hw_source);
   bool remove_output_source(uint32_t output_id, uint32_t input_id, uint32_t hw_source);
 
+  /// The same for a route that may not be there: that the driver refuses is no error in the log.
+  bool clear_output_source(uint32_t output_id, uint32_t input_id, uint32_t hw_source);
+
   bool get_input_connected(uint32_t input_id, bool& connected);
   bool get_output_connected(uint32_t output_id, bool& connected);
   bool get_audio_channels(uint32_t input_id, uint32_t& channels);
@@ -106,11 +110,11 @@ class system_t {
   bool attached() const { return read_event != nullptr; }
   void read_events();
 
-  bool query(uint32_t request, void* record);
-  bool command(const char* name, uint32_t request, void* record);
-  bool read_resource(uint32_t request, uint32_t id, resource_t& resource);
-  bool read_value(uint32_t request, uint32_t id, uint32_t& value);
-  bool read_flag(uint32_t request, uint32_t id, bool& flag);
+  int call(uint32_t request, void* record);
+  bool request(const char* name, uint32_t number, void* record);
+  bool quiet_request(const char* name, uint32_t number, void* record);
+  bool read_resource(const char* name, uint32_t number, uint32_t id, resource_t& resource);
+  bool read_polled_value(const char* name, uint32_t number, uint32_t id, uint32_t& value);
 
   event_base* base;
   std::unique_ptr<device_t> device;

@@ -197,18 +197,72 @@ TEST_F(streamer_requests, that_fail_leave_their_results_as_they_were) {
   EXPECT_EQ(value, 5U);
 }
 
+TEST_F(streamer_requests, that_fail_in_their_second_call_leave_their_results_as_they_were) {
+  driver.inputs[9] = {.name = "inject_0", .kind = 1};
+  driver.outputs[20].edid = {1, 2, 3};
+  driver.failing_call = {{vgn::resources_request, 2}, {vgn::read_edid_request, 2}};
+  std::vector<uint32_t> inputs{1};
+  std::vector<uint32_t> outputs{2};
+  std::vector<uint8_t> edid{7};
+  EXPECT_FALSE(system.get_resources(inputs, outputs));
+  EXPECT_FALSE(system.get_edid(20, edid));
+  EXPECT_THAT(inputs, ElementsAre(1U));
+  EXPECT_THAT(outputs, ElementsAre(2U));
+  EXPECT_THAT(edid, ElementsAre(7));
+  EXPECT_EQ(driver.resource_calls, 1U) << "the first call has not been served";
+}
+
 TEST_F(streamer_requests, that_change_something_and_fail_are_errors_in_the_log) {
-  const test_support::log_capture_t log("drv_vgnstreamer");
-  driver.failing = {vgn::set_timing_request, vgn::set_audio_clock_request, vgn::set_output_source_request,
-                    vgn::set_output_mute_request};
+  const test_support::log_capture_t log("drv_vgnstreamer", spdlog::level::err);
+  driver.failing = {vgn::set_timing_request,        vgn::set_audio_clock_request,
+                    vgn::set_output_source_request, vgn::remove_output_source_request,
+                    vgn::set_output_mute_request,   vgn::set_hdmi_mux_input_mode_request,
+                    vgn::set_output_freeze_request};
   EXPECT_FALSE(system.set_timing(20, {}));
   EXPECT_FALSE(system.set_audio_clock(20, 48000, 148500));
   EXPECT_FALSE(system.set_output_source(20, 3, 1));
+  EXPECT_FALSE(system.remove_output_source(20, 3, 1));
   EXPECT_FALSE(system.set_output_mute(20, true));
+  EXPECT_FALSE(system.set_hdmi_mux_input_mode(3));
+  EXPECT_FALSE(system.set_output_freeze(20, true));
   EXPECT_THAT(log.lines(),
               ElementsAre("ioctl set_timing failed errno=5", "ioctl set_audio_clock failed errno=5",
-                          "ioctl set_output_source failed errno=5", "ioctl set_output_mute failed errno=5"));
-  EXPECT_EQ(log.entries().front().level, spdlog::level::err);
+                          "ioctl set_output_source failed errno=5", "ioctl remove_output_source failed errno=5",
+                          "ioctl set_output_mute failed errno=5", "ioctl set_hdmi_mux_input_mode failed errno=5",
+                          "ioctl set_output_freeze failed errno=5"));
+}
+
+TEST_F(streamer_requests, that_ask_once_and_fail_are_errors_in_the_log) {
+  const test_support::log_capture_t log("drv_vgnstreamer", spdlog::level::err);
+  driver.failing = {vgn::resources_request, vgn::input_request, vgn::output_request, vgn::read_edid_request,
+                    vgn::output_connected_request};
+  std::vector<uint32_t> ids;
+  vgn::resource_t resource;
+  std::vector<uint8_t> edid;
+  bool connected = false;
+  system.get_resources(ids, ids);
+  system.get_input(3, resource);
+  system.get_output(20, resource);
+  system.get_edid(20, edid);
+  system.get_output_connected(20, connected);
+  EXPECT_THAT(log.lines(), ElementsAre("ioctl get_resources failed errno=5", "ioctl get_input failed errno=5",
+                                       "ioctl get_output failed errno=5", "ioctl get_edid failed errno=5",
+                                       "ioctl get_output_connected failed errno=5"));
+}
+
+TEST_F(streamer_requests, that_are_polled_or_clear_a_route_fail_in_silence) {
+  const test_support::log_capture_t log("drv_vgnstreamer");
+  driver.failing = {vgn::hdcp_status_request, vgn::input_connected_request, vgn::audio_channels_request,
+                    vgn::active_audio_request, vgn::remove_output_source_request};
+  vgn::hdcp_status_t status;
+  bool connected = false;
+  uint32_t value = 0;
+  EXPECT_FALSE(system.get_hdcp_status(3, status));
+  EXPECT_FALSE(system.get_input_connected(3, connected));
+  EXPECT_FALSE(system.get_audio_channels(3, value));
+  EXPECT_FALSE(system.get_active_audio(3, value));
+  EXPECT_FALSE(system.clear_output_source(20, 3, 1));
+  EXPECT_THAT(log.lines(), IsEmpty());
 }
 
 TEST_F(streamer_requests, fail_without_a_device) {
