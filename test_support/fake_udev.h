@@ -43,6 +43,9 @@ class fake_udev_t {
     umockdev_testbed_uevent(testbed, syspath.c_str(), action);
   }
 
+  /// Takes the device away, without an event.
+  void remove(const std::string& syspath) { umockdev_testbed_remove_device(testbed, syspath.c_str()); }
+
   /// Gives the file at an absolute path below /sys or /proc this content.
   void write(const std::string& path, const std::string& content) {
     gchar* const root = umockdev_testbed_get_root_dir(testbed);

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <fstream>
 #include <string>
+#include <string_view>
+#include <system_error>
 
 namespace control_lib {
 namespace {
@@ -16,14 +18,21 @@ std::optional<std::string> first_line(const char* path) {
   return line;
 }
 
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view blanks = " \t\r";
+  const size_t first = text.find_first_not_of(blanks);
+  return first != std::string_view::npos ? text.substr(first, text.find_last_not_of(blanks) - first + 1) : "";
+}
+
+bool is_one(std::string_view text) {
+  int value = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+  return result.ec == std::errc() && result.ptr == text.data() + text.size() && value == 1;
+}
+
 std::optional<bool> gpio_is_one(const char* path) {
   const auto line = first_line(path);
-  if (!line) {
-    return std::nullopt;
-  }
-  int value = 0;
-  std::from_chars(line->data(), line->data() + line->size(), value);
-  return value == 1;
+  return line ? std::optional(is_one(trimmed(*line))) : std::nullopt;
 }
 
 std::optional<bool> receiver_is_enabled() {

@@ -44,9 +44,16 @@ TEST_F(connector, is_off_unless_the_first_line_is_the_very_word_or_number) {
   EXPECT_EQ(connector_power(0, 137), false);
   machine.write("/proc/tarn/ep_snk0/rx-5v", "\nEnabled\n");
   EXPECT_EQ(connector_power(0, 137), false);
-  for (const char* text : {"10\n", "on\n", "-1\n", "\n1\n"}) {
+  for (const char* text : {"10\n", "on\n", "-1\n", "\n1\n", "1x\n", "1 0\n", "99999999999\n", " \n"}) {
     machine.write("/sys/class/gpio/gpio335/value", text);
     EXPECT_EQ(connector_power(0, 106), false) << text;
+  }
+}
+
+TEST_F(connector, is_on_with_blanks_around_the_number) {
+  for (const char* text : {"1", " 1\n", "1 \t\r\n"}) {
+    machine.write("/sys/class/gpio/gpio335/value", text);
+    EXPECT_EQ(connector_power(0, 106), true) << text;
   }
 }
 

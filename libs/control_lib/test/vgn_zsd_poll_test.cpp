@@ -76,6 +76,20 @@ TEST_F(vgn_zsd_poll, tells_each_change_of_content_protection_and_raises_it_once)
   EXPECT_THAT(events, ElementsAre("input 1 bits 2"));
 }
 
+TEST_F(vgn_zsd_poll, raises_a_change_of_encryption_alone) {
+  watch();
+  driver.inputs[1].encryption = 3;
+  driver.outputs[20].encryption = 1;
+  interface->on_poll_event();
+  interface->on_poll_event();
+  EXPECT_THAT(log.lines(),
+              ElementsAre("vgn_zsd_interface_t::on_poll_event() input_index=0 input_id=1 changed vgn_hdcp_enc_sts_off "
+                          "-> vgn_hdcp_enc_sts_failure",
+                          "vgn_zsd_interface_t::on_poll_event() Output 0 changed vgn_hdcp_enc_sts_off -> "
+                          "vgn_hdcp_enc_sts_busy"));
+  EXPECT_THAT(events, ElementsAre("input 1 bits 2", "output 20 bits 16"));
+}
+
 TEST_F(vgn_zsd_poll, raises_a_change_of_audio_channels) {
   watch();
   driver.inputs[1].audio_channels = 8;
@@ -139,10 +153,13 @@ TEST_F(vgn_zsd_poll, sees_the_cable_of_a_blocked_input_by_its_connector) {
   blocked_inputs = {0, 1};
   machine.write("/sys/class/gpio/gpio335/value", "1\n");
   machine.write("/sys/class/gpio/gpio334/value", "0\n");
+  driver.inputs[1].authentication = 2;
   driver.inputs[1].audio_channels = 2;
+  driver.inputs[1].active_audio = 1;
   driver.inputs[2].connected = true;
   interface->on_poll_event();
   EXPECT_THAT(events, ElementsAre("input 1 bits 1"));
+  EXPECT_THAT(log.lines(), IsEmpty()) << "the device was asked about an input that it does not see";
   machine.write("/sys/class/gpio/gpio334/value", "1\n");
   interface->on_poll_event();
   EXPECT_THAT(events, ElementsAre("input 1 bits 1", "input 2 bits 1"));

@@ -30,6 +30,9 @@ void system_t::start() {
     return;
   }
   if (monitor) {
+    // Only what is there counts: udev may have failed to tell that the device went.
+    device_name.clear();
+    device_node.clear();
     monitor->scan();
   }
   started = true;
@@ -42,7 +45,10 @@ void system_t::stop() {
 }
 
 void system_t::device_added(const lnx::udev_device_t& came) {
-  if (!came.sysname.starts_with("vgnsys-") || !device_name.empty()) {
+  if (!came.sysname.starts_with("vgnsys-") || attached()) {
+    return;
+  }
+  if (!device_name.empty() && came.sysname != device_name) {
     return;
   }
   device_name = came.sysname;
@@ -61,8 +67,21 @@ void system_t::device_removed(const lnx::udev_device_t& gone) {
   if (was_attached) {
     removed.emit(device_node);
   }
-  device_name.clear();
+  const std::string gone_name = std::exchange(device_name, {});
   device_node.clear();
+  take_other_than(gone_name);
+}
+
+// udev does not tell again of a device that came while we had another, and may still list the one that went.
+void system_t::take_other_than(const std::string& gone_name) {
+  if (!monitor) {
+    return;
+  }
+  for (const auto& present : monitor->connected_devices()) {
+    if (present.sysname != gone_name) {
+      device_added(present);
+    }
+  }
 }
 
 void system_t::attach() {
@@ -73,8 +92,13 @@ void system_t::attach() {
     log_error_s() << "open " << device_node << " failed errno=" << -result;
     return;
   }
-  read_event.reset(event_new(base, device->fd(), EV_READ | EV_PERSIST, on_readable, this));
-  event_add(read_event.get(), nullptr);
+  zyl::event_ptr_t listener(event_new(base, device->fd(), EV_READ | EV_PERSIST, on_readable, this));
+  if (!listener || event_add(listener.get(), nullptr) != 0) {
+    log_error_s() << "listen to " << device_node << " failed";
+    device->close();
+    return;
+  }
+  read_event = std::move(listener);
   added.emit(device_node);
 }
 

@@ -52,10 +52,11 @@ class system_t {
   /// Closes the device, without a signal. What udev tells from now on is remembered for the next start.
   void stop();
 
-  /// A device came: the first whose sysname begins "vgnsys-" is the streamer device, all others are ignored.
+  /// A device came: the first whose sysname begins "vgnsys-" is the streamer device, all others are ignored until it
+  /// goes. It is tried again if it could not be opened before.
   void device_added(const lnx::udev_device_t& device);
 
-  /// A device went.
+  /// A device went. If it was the streamer device, another one that udev knows takes its place.
   void device_removed(const lnx::udev_device_t& device);
 
   /// The node of the streamer device; empty while there is none.
@@ -105,6 +106,7 @@ class system_t {
 
  private:
   static void on_readable(evutil_socket_t fd, short events, void* self);
+  void take_other_than(const std::string& gone_name);
   void attach();
   void detach();
   bool attached() const { return read_event != nullptr; }

@@ -166,14 +166,62 @@ static_assert(set_hdmi_mux_input_mode_request == 0x4008561D);
 static_assert(set_output_freeze_request == 0x4008561E);
 
 static_assert(sizeof(resources_record_t) == 24);
+static_assert(offsetof(resources_record_t, input_count) == 0);
+static_assert(offsetof(resources_record_t, output_count) == 4);
+static_assert(offsetof(resources_record_t, input_ids) == 8);
+static_assert(offsetof(resources_record_t, output_ids) == 16);
+
 static_assert(sizeof(resource_record_t) == 44);
-static_assert(sizeof(edid_record_t) == 24 && offsetof(edid_record_t, size) == 8);
+static_assert(offsetof(resource_record_t, id) == 0);
+static_assert(offsetof(resource_record_t, name) == 4);
+static_assert(offsetof(resource_record_t, kind) == 36);
+static_assert(offsetof(resource_record_t, hw) == 40);
+
+static_assert(sizeof(edid_record_t) == 24);
+static_assert(offsetof(edid_record_t, id) == 0);
+static_assert(offsetof(edid_record_t, pad) == 4);
+static_assert(offsetof(edid_record_t, size) == 8);
+static_assert(offsetof(edid_record_t, bytes) == 16);
+
 static_assert(sizeof(timing_t) == 40);
+static_assert(offsetof(timing_t, pixel_clock_khz) == 0);
+static_assert(offsetof(timing_t, h_active) == 4);
+static_assert(offsetof(timing_t, h_sync_start) == 8);
+static_assert(offsetof(timing_t, h_sync_end) == 12);
+static_assert(offsetof(timing_t, h_total) == 16);
+static_assert(offsetof(timing_t, v_active) == 20);
+static_assert(offsetof(timing_t, v_sync_start) == 24);
+static_assert(offsetof(timing_t, v_sync_end) == 28);
+static_assert(offsetof(timing_t, v_total) == 32);
+static_assert(offsetof(timing_t, flags) == 36);
+
 static_assert(sizeof(timing_record_t) == 60);
+static_assert(offsetof(timing_record_t, id) == 0);
+static_assert(offsetof(timing_record_t, timing) == 4);
+static_assert(offsetof(timing_record_t, zero) == 44);
+
 static_assert(sizeof(value_record_t) == 8);
+static_assert(offsetof(value_record_t, id) == 0);
+static_assert(offsetof(value_record_t, value) == 4);
+
 static_assert(sizeof(hdcp_record_t) == 12);
+static_assert(offsetof(hdcp_record_t, id) == 0);
+static_assert(offsetof(hdcp_record_t, authentication) == 4);
+static_assert(offsetof(hdcp_record_t, encryption) == 8);
+
 static_assert(sizeof(source_record_t) == 12);
+static_assert(offsetof(source_record_t, input_id) == 0);
+static_assert(offsetof(source_record_t, output_id) == 4);
+static_assert(offsetof(source_record_t, hw) == 8);
+
 static_assert(sizeof(audio_record_t) == 16);
+static_assert(offsetof(audio_record_t, id) == 0);
+static_assert(offsetof(audio_record_t, a) == 4);
+static_assert(offsetof(audio_record_t, cts) == 8);
+static_assert(offsetof(audio_record_t, q) == 12);
+
 static_assert(sizeof(vgn_event_t) == 8);
+static_assert(offsetof(vgn_event_t, type) == 0);
+static_assert(offsetof(vgn_event_t, id) == 4);
 
 }  // namespace vgn

@@ -5,7 +5,10 @@
 
 #include <array>
 #include <cerrno>
+#include <fstream>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "libs/vgn/test/system_fixture.h"
 #include "test_support/log_capture.h"
@@ -99,6 +102,35 @@ TEST_F(streamer_system, that_cannot_open_its_device_says_so_and_waits_for_the_ne
   system.device_removed(misc_device("vgnsys-0"));
   system.device_added(misc_device("vgnsys-0"));
   EXPECT_THAT(events, ElementsAre("added /dev/vgnsys-0"));
+}
+
+TEST_F(streamer_system, tries_a_device_again_that_is_announced_again) {
+  driver.open_result = -EACCES;
+  system.start();
+  system.device_added(misc_device("vgnsys-0"));
+  driver.open_result = 0;
+  system.device_added(misc_device("vgnsys-1"));
+  EXPECT_THAT(events, IsEmpty());
+  system.device_added(misc_device("vgnsys-0"));
+  system.device_added(misc_device("vgnsys-0"));
+  EXPECT_THAT(events, ElementsAre("added /dev/vgnsys-0"));
+}
+
+TEST_F(streamer_system, closes_a_device_that_it_cannot_listen_to) {
+  const test_support::log_capture_t log("drv_vgnstreamer");
+  // An event loop takes no plain file.
+  const std::string node = "/tmp/vgnsys-0";
+  std::ofstream(node) << "no events";
+  auto owned = std::make_unique<vgn::device_t>();
+  const auto& device = *owned;
+  vgn::system_t deaf(loop.base(), std::move(owned), false);
+  int told = 0;
+  deaf.added.connect([&told](const std::string& /*node*/) { ++told; });
+  deaf.start();
+  deaf.device_added(lnx::udev_device_t({.subsystem = "misc", .sysname = "vgnsys-0", .devnode = node}));
+  EXPECT_EQ(device.fd(), -1);
+  EXPECT_EQ(told, 0);
+  EXPECT_THAT(log.lines(), ElementsAre("listen to /tmp/vgnsys-0 failed"));
 }
 
 TEST_F(streamer_system, passes_the_drivers_events_on_in_order) {

@@ -67,4 +67,30 @@ TEST_F(streamer_system_by_udev, takes_a_device_once_that_is_both_scanned_and_ann
   EXPECT_THAT(events, ElementsAre("added /dev/vgnsys-0", "removed /dev/vgnsys-0"));
 }
 
+TEST_F(streamer_system_by_udev, takes_the_second_device_when_the_first_goes) {
+  const auto syspath = plug("vgnsys-0");
+  make_system();
+  system->start();
+  plug("vgnsys-1");
+  testbed.tell(syspath, "remove");
+  ASSERT_TRUE(heard(3));
+  EXPECT_THAT(events, ElementsAre("added /dev/vgnsys-0", "removed /dev/vgnsys-0", "added /dev/vgnsys-1"));
+}
+
+TEST_F(streamer_system_by_udev, starts_with_what_is_there_whatever_it_knew_before) {
+  const auto syspath = plug("vgnsys-0");
+  make_system();
+  system->start();
+  system->stop();
+  testbed.remove(syspath);
+  const auto second = plug("vgnsys-1");
+  system->start();
+  EXPECT_THAT(events, ElementsAre("added /dev/vgnsys-0", "added /dev/vgnsys-1"));
+
+  system->stop();
+  testbed.remove(second);
+  system->start();
+  EXPECT_EQ(system->node(), "");
+}
+
 }  // namespace
