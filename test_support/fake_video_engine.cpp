@@ -104,6 +104,14 @@ bool fake_video_engine_t::hears_raw_out_configs(std::size_t count) const {
   return changed.wait_for(lock, patience, [&] { return raw_outs_told.size() >= count; });
 }
 
+void fake_video_engine_t::stop_reading() {
+  {
+    const std::lock_guard lock(mutex);
+    reading = false;
+  }
+  wake();
+}
+
 int fake_video_engine_t::connections() const {
   const std::lock_guard lock(mutex);
   return accepted;
@@ -152,7 +160,7 @@ void fake_video_engine_t::serve() {
       if (stopping) {
         return;
       }
-      watched[2].fd = client ? client->descriptor() : -1;
+      watched[2].fd = client && reading ? client->descriptor() : -1;
     }
     ::poll(watched.data(), watched.size(), -1);
     uint64_t count = 0;
@@ -184,7 +192,7 @@ bool fake_video_engine_t::serve_client() {
   int got = -1;
   {
     const std::lock_guard lock(mutex);
-    if (!client) {
+    if (!client || !reading) {
       return true;
     }
     got = client->get_message(from, type, data, cmsgs, 0);
@@ -209,8 +217,10 @@ void fake_video_engine_t::take_decoder_config(zyl::datastream_strio_t& data) {
   videng::decoder_config_t config;
   data >> config;
   const std::lock_guard lock(mutex);
+  const videng::decoder_entry_t entry = block().decoder(config.decoder);
+  entry.frame_count().add(1);
   if (result != 0) {
-    block().decoder(config.decoder).config_result().store(result);
+    entry.config_result().store(result);
   }
   decoders_told.push_back(config);
   changed.notify_all();

@@ -15,7 +15,8 @@
 namespace test_support {
 
 /// A video engine at its literal path, on a thread of its own, for one client at a time. It hands out a status block,
-/// records what it is told to configure, and answers each configuration with the result that it was given. Any thread.
+/// records what it is told to configure, and answers each configuration with the result that it was given. Before that
+/// it counts one more frame of what the decoder played until then. Any thread.
 ///
 /// Its decoders: visengi 0 and 1 at entries 0 and 1, mediacast_rtsp 0 at 2, mediacast_dmabuf 0 and 1 at 7 and 9. Its
 /// raw outputs are in the reverse order of their displays.
@@ -52,6 +53,9 @@ class fake_video_engine_t {
   bool hears_decoder_configs(std::size_t count) const;
   bool hears_raw_out_configs(std::size_t count) const;
 
+  /// Keeps the connection, but reads no more from it.
+  void stop_reading();
+
   /// How many clients have come so far.
   int connections() const;
 
@@ -86,6 +90,7 @@ class fake_video_engine_t {
   std::vector<videng::raw_out_config_t> raw_outs_told;
   int32_t result = 1;
   int accepted = 0;
+  bool reading = true;
   bool stopping = false;
 
   std::thread server;

@@ -8,11 +8,14 @@
 namespace videng {
 namespace {
 
+constexpr std::size_t encoder_count = 4;
+constexpr std::size_t encoder_size = 972;
 constexpr std::size_t decoders_offset = 0x0F30;
 constexpr std::size_t raw_out_config_result_offset = 80;
 
 constexpr std::size_t end_of(const named_table_t& table) { return table.offset + table.count * table.stride; }
 
+static_assert(encoder_count * encoder_size == decoders_offset);
 static_assert(decoders_offset + decoder_count * decoder_entry_t::size == uvcs.offset);
 static_assert(end_of(uvcs) == mc_hdmi_outs.offset);
 static_assert(end_of(mc_hdmi_outs) == raw_outs.offset);

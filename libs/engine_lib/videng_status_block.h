@@ -86,8 +86,8 @@ class decoder_entry_t {
 
   status_word_t decoded_count() const { return status_word_t(start + 72); }
 
-  /// Zeroes the counters that belong to one configuration: bytes 20 to 43, 48 to 59, 64 to 67. The counts that tell
-  /// whether payloads and frames move are the engine's alone.
+  /// Zeroes the counters that belong to one configuration: bytes 20 to 43, 48 to 59, 64 to 67. Those that tell whether
+  /// payloads and frames move are the engine's alone: `payload_count`, `rx_count` and `decoded_count`.
   void clear_counters() const;
 
  private:

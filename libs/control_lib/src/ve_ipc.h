@@ -49,9 +49,10 @@ class ve_ipc_t : public eipc::receiver_t {
   /// the block is plain memory with three decoders, and configurations are neither sent nor waited for.
   virtual void open(bool as_simulated);
 
-  /// Disconnects and stops polling. All handles become free; their numbers stay taken.
+  /// Disconnects and stops polling. All handles become free; their numbers stay taken. Simulated stays simulated.
   virtual void close_all();
 
+  /// Simulated, or the socket is open.
   virtual bool is_connected();
 
   /// Connected, and the status block is there.

@@ -104,8 +104,9 @@ void ve_ipc_t::connect_engine() {
   }
 }
 
+// Not blocking: an engine that hangs takes neither connections nor messages, and the lock is held here.
 bool ve_ipc_t::try_connect() {
-  if (socket.create(SOCK_SEQPACKET) < 0 || socket.connect(engine_path) < 0) {
+  if (socket.create(SOCK_SEQPACKET) < 0 || socket.set_blocking(false) < 0 || socket.connect(engine_path) < 0) {
     return false;
   }
   read_event.reset(event_new(loop_base, socket.descriptor(), EV_READ | EV_PERSIST, on_readable, this));
@@ -132,8 +133,7 @@ void ve_ipc_t::reset() {
   }
   m_videng_status.reset();
   mapping = {};
-  simulated_block.clear();
-  simulated = false;
+  simulated_block = std::vector<std::byte>();  // plain braces would keep the memory
   dec_status = {};
   raw_out = {};
   for (decoder_handle_t& handle : handles) {
@@ -183,6 +183,7 @@ void ve_ipc_t::take_status_block(const std::vector<lnx::cmsg_t>& cmsgs) {
   mapping = videng::status_mapping_t(fd, size);
   if (!mapping.mapped()) {
     log_error_s() << "ve_ipc_t::received videng::status_get_resp mmap failed";
+    ::close(fd);
     return;
   }
   m_videng_status = mapping.block();
@@ -223,7 +224,7 @@ void ve_ipc_t::raise_ipc_event(int event) {
   }
 }
 
-// Not checked: an engine that has gone away shows on the read event, one that does not listen in the status block.
+// Not checked: an engine that has gone away shows on the read event, one that does not read in the status block.
 void ve_ipc_t::send(const eipc::message_type& type, const eipc::message_base_t& message) {
   static_cast<void>(socket.sendto(type, message, ""));
 }

@@ -1,5 +1,10 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -17,8 +22,26 @@ class VeIpcConnection : public ve_ipc_fixture_t {
   bool loop_until_said(const std::string& line) {
     return loop_until(loop.base(), [this, line] { return log.said(line); });
   }
+
+  /// A descriptor, open for `access` (O_RDONLY, O_RDWR), of a file as the engine hands out.
+  static int block_file(std::size_t size, int access) {
+    const char* const path = "/tmp/status-block";
+    std::ofstream(path).close();
+    std::filesystem::resize_file(path, size);
+    return ::open(path, access | O_CLOEXEC);
+  }
+
+  /// The engine's answer with that descriptor, which is the client's from then on.
+  void hand_over(int fd) {
+    eipc::socket_t sk;
+    zyl::datastream_strio_t data;
+    client->received(sk, "", eipc::gen::fd_resp_t::kind, data, {lnx::cmsg_t::rights(fd)});
+  }
+
+  static bool is_open(int fd) { return fcntl(fd, F_GETFD) >= 0; }
 };
 
+const std::filesystem::path engine_path = "/var/tarn-engine-ipc/0/video-sp";
 const std::string open_failed = "video_engine ipc open failed";
 const std::string bad_fd = "ve_ipc_t::received bad mmap fd or fstat";
 
@@ -73,6 +96,50 @@ TEST_F(VeIpcConnection, WithoutAnEngineSaysSoAndTriesAgainWithEachPoll) {
   ASSERT_TRUE(loop_until(loop.base(), [this] { return client->ready(); }));
 }
 
+TEST_F(VeIpcConnection, AnEngineThatTakesNoConnectionsIsAFailedOpenAndTriedAgain) {
+  std::filesystem::create_directories(engine_path.parent_path());
+  lnx::unix_socket_t listener;
+  lnx::unix_socket_t waiting;
+  lnx::unix_socket_t refused;
+  ASSERT_EQ(listener.create(SOCK_SEQPACKET), 0);
+  ASSERT_EQ(listener.bind(engine_path), 0);
+  ASSERT_EQ(listener.listen(0), 0);
+  ASSERT_EQ(waiting.create(SOCK_SEQPACKET), 0);
+  ASSERT_EQ(waiting.connect(engine_path), 0);
+  ASSERT_EQ(refused.create(SOCK_SEQPACKET), 0);
+  ASSERT_EQ(refused.set_blocking(false), 0);
+  ASSERT_EQ(refused.connect(engine_path), -EAGAIN);
+
+  open();
+  EXPECT_TRUE(said(spdlog::level::err, open_failed));
+  EXPECT_FALSE(client->is_connected());
+  lnx::unix_socket_t accepted;
+  ASSERT_EQ(listener.accept(accepted, nullptr), 0);
+  poll();
+  EXPECT_TRUE(client->is_connected());
+  std::filesystem::remove(engine_path);
+}
+
+TEST_F(VeIpcConnection, AnEngineThatReadsNoMoreIsATimeoutOfTheConfiguration) {
+  connect();
+  engine->stop_reading();
+  constexpr int more_than_fit = 3000;
+  for (int i = 0; i < more_than_fit; ++i) {
+    ASSERT_TRUE(client->configure_raw_out(0, 1, 1920, 1080, false, true));
+  }
+  EXPECT_FALSE(client->configure_raw_out(0, 1, 1920, 1080, true, true));
+  EXPECT_TRUE(said(spdlog::level::err,
+                   "[ve_ipc_t::configure_raw_out] raw_out:1 decoder:1 width:1920 height:1080 ~2000ms TIMEOUT"));
+  EXPECT_TRUE(client->is_connected());
+}
+
+TEST_F(VeIpcConnection, ItsTimerFindsAnEngineThatHasGoneAwayAgain) {
+  client = std::make_unique<ve_ipc_t>(loop.base());
+  connect();
+  engine->disconnect();
+  EXPECT_TRUE(loop_until(loop.base(), [this] { return engine->connections() == 2 && client->ready(); }));
+}
+
 TEST_F(VeIpcConnection, ItsTimerFindsAnEngineThatStartsLater) {
   client = std::make_unique<ve_ipc_t>(loop.base());
   open();
@@ -103,6 +170,29 @@ TEST_F(VeIpcConnection, AFileThatIsSmallerThanTheBlockIsRefused) {
   ASSERT_TRUE(loop_until_said(bad_fd));
   EXPECT_FALSE(client->ready());
   poll();
+}
+
+TEST_F(VeIpcConnection, ADescriptorThatIsTooSmallIsClosed) {
+  const int fd = block_file(videng::status_block_t::size - 1, O_RDWR);
+  hand_over(fd);
+  EXPECT_TRUE(said(spdlog::level::err, bad_fd));
+  EXPECT_FALSE(is_open(fd));
+}
+
+TEST_F(VeIpcConnection, ADescriptorThatCannotBeMappedIsClosed) {
+  const int fd = block_file(videng::status_block_t::size, O_RDONLY);
+  hand_over(fd);
+  EXPECT_TRUE(said(spdlog::level::err, "ve_ipc_t::received videng::status_get_resp mmap failed"));
+  EXPECT_FALSE(client->ready());
+  EXPECT_FALSE(is_open(fd));
+}
+
+TEST_F(VeIpcConnection, ADescriptorInUseStaysOpen) {
+  const int fd = block_file(videng::status_block_t::size, O_RDWR);
+  hand_over(fd);
+  EXPECT_TRUE(said(spdlog::level::info, "video_engine connected"));
+  EXPECT_TRUE(is_open(fd));
+  close(fd);
 }
 
 TEST_F(VeIpcConnection, AFileThatIsLargerThanTheBlockIsTaken) {
@@ -243,7 +333,21 @@ TEST_F(VeIpcConnection, SimulatedPollsItsOwnMemory) {
   block.decoder(0).rx_count().add(1);
   poll();
   EXPECT_EQ(observer.take(), (recording_observer_t::decoder_events_t{{handle, ve_stream_up}}));
+}
+
+TEST_F(VeIpcConnection, SimulatedStaysSimulatedWhenAllIsClosed) {
+  client->open(true);
   client->close_all();
   EXPECT_EQ(client->status_block(), nullptr);
-  EXPECT_FALSE(client->is_connected());
+  EXPECT_TRUE(client->is_connected());
+  EXPECT_FALSE(client->ready());
+  log.clear();
+  poll();
+  EXPECT_TRUE(log.lines().empty());
+  EXPECT_EQ(client->open_decoder(visengi, {{"a", 0}}, "", &observer), -1);
+
+  start_engine();
+  client->open(false);
+  EXPECT_TRUE(loop_until(loop.base(), [this] { return client->ready(); }));
+  EXPECT_EQ(engine->connections(), 1);
 }
