@@ -80,6 +80,14 @@ TEST_F(VeIpcRawOut, AnEngineThatTakesNothingIsGivenUpAfterTwoSeconds) {
                    "[ve_ipc_t::configure_raw_out] raw_out:1 decoder:1 width:1920 height:1080 ~2000ms TIMEOUT"));
 }
 
+TEST_F(VeIpcRawOut, AnEarlierAcceptanceIsNotTakenForTheNextOne) {
+  connect();
+  ASSERT_TRUE(client->configure_raw_out(0, 1, 1920, 1080, true, false));
+  engine->set_result(0);
+  EXPECT_FALSE(client->configure_raw_out(0, 1, 1280, 720, true, false));
+  EXPECT_EQ(engine->block().raw_out_config_result(1).load(), 0);
+}
+
 TEST_F(VeIpcRawOut, AnOutputThatTheEngineDoesNotHaveFails) {
   connect();
   EXPECT_FALSE(client->configure_raw_out(2, 1, 1920, 1080, true, false));

@@ -24,6 +24,13 @@ class VeIpcPoll : public ve_ipc_fixture_t {
     return opened;
   }
 
+  /// The decoder is cleared without a wait: what is sent next must not take that answer for its own.
+  void time_out_and_restart(int restart) {
+    poll_after(3001);
+    ASSERT_TRUE(engine->hears_decoder_configs(static_cast<std::size_t>(2 * restart - 1)));
+    poll_after(2000);
+  }
+
   /// The delay that the one line about a decryption restart tells, -1 if there is none.
   int delay_told() const {
     const std::string begin = "Decoder 0 decrypt error. Restarting stream in ";
@@ -93,6 +100,22 @@ TEST_F(VeIpcPoll, AStreamThatNeverComesTimesOutAt3001Milliseconds) {
   EXPECT_EQ(observer.take(), events_t{});
 }
 
+TEST_F(VeIpcPoll, ARefusedConfigurationRunsBothTimeouts) {
+  connect();
+  engine->set_result(-1);
+  const int handle = client->open_decoder(visengi, {{"a", 0}}, "", &observer);
+  poll_after(3001);
+  EXPECT_EQ(observer.take(), (events_t{{handle, ve_stream_timeout}, {handle, ve_decoder_timeout}}));
+}
+
+TEST_F(VeIpcPoll, AConfigurationThatIsNotTakenRunsBothTimeouts) {
+  connect();
+  engine->set_result(0);
+  const int handle = client->open_decoder(visengi, {{"a", 0}}, "", &observer);
+  poll_after(3001);
+  EXPECT_EQ(observer.take(), (events_t{{handle, ve_stream_timeout}, {handle, ve_decoder_timeout}}));
+}
+
 TEST_F(VeIpcPoll, AStreamWithoutFramesTimesOutTheDecoderAlone) {
   const int handle = open_stream();
   entry_of(handle).rx_count().add(1);
@@ -139,11 +162,34 @@ TEST_F(VeIpcPoll, ADecoderThatTimesOutIsClearedAndConfiguredAgainTwoSecondsLater
   EXPECT_EQ(engine->decoder_configs()[1].uri, "a");
 }
 
+TEST_F(VeIpcPoll, ADecoderIsRestartedByItsPlaceInTheBlockAndItsClientToldByHandle) {
+  connect();
+  ASSERT_EQ(client->open_decoder(dmabuf, {{"splash", 0}}, "", nullptr), 0);
+  const int handle = client->open_decoder(videng::depayloader_mediacast_rtsp, {{"a", 3}}, "", &observer);
+  ASSERT_EQ(handle, 1);
+  ASSERT_EQ(client->decoder_of(handle), 2);
+  ASSERT_EQ(client->instance_of(handle), 0);
+  client->set_auto_restart(handle, true);
+  engine->forget();
+
+  poll_after(3001);
+  EXPECT_EQ(observer.take(), (events_t{{handle, ve_stream_timeout}, {handle, ve_decoder_timeout}}));
+  EXPECT_TRUE(
+      said(spdlog::level::err, "Decoder 2 has timed out (\"a\":3).  Decoder config cleared.  Restarting in 2000ms."));
+  ASSERT_TRUE(engine->hears_decoder_configs(1));
+  poll_after(2000);
+  const auto configs = engine->decoder_configs();
+  ASSERT_EQ(configs.size(), 2U);
+  EXPECT_EQ(configs[0].decoder, 2);
+  EXPECT_EQ(configs[0].uri, "");
+  EXPECT_EQ(configs[1].decoder, 2);
+  EXPECT_EQ(configs[1].uri, "a");
+}
+
 TEST_F(VeIpcPoll, TheEleventhTimeoutOfADecoderIsReportedButNotRestarted) {
   const int handle = open_stream(true);
   for (int restart = 1; restart <= 10; ++restart) {
-    poll_after(3001);
-    poll_after(2000);
+    time_out_and_restart(restart);
     EXPECT_EQ(engine->decoder_configs().size(), static_cast<std::size_t>(2 * restart));
   }
   observer.take();
@@ -172,8 +218,7 @@ TEST_F(VeIpcPoll, FramesAfterATimeoutCancelThePendingRestart) {
 TEST_F(VeIpcPoll, ADecoderThatComesUpHasAllItsRestartsAgain) {
   const int handle = open_stream(true);
   for (int restart = 1; restart <= 10; ++restart) {
-    poll_after(3001);
-    poll_after(2000);
+    time_out_and_restart(restart);
   }
   play(handle);
   poll_after(200);
@@ -188,6 +233,7 @@ TEST_F(VeIpcPoll, ADecoderThatComesUpHasAllItsRestartsAgain) {
 TEST_F(VeIpcPoll, AClosedDecoderIsNotRestarted) {
   const int handle = open_stream(true);
   poll_after(3001);
+  ASSERT_TRUE(engine->hears_decoder_configs(1));
   client->close_decoder(handle, false);
   engine->forget();
   poll_after(2000);
@@ -298,4 +344,6 @@ TEST_F(VeIpcPoll, DecryptionErrorsThatGoOnReachTheRestart) {
         "Restarting decoder 0 for decryption error recovery. Waited 777ms. decrypt_err_count=1 "
         "payload_count=0");
   }));
+  EXPECT_TRUE(log.said("[ve_ipc_t::configure_decoder] decoder:0 visengi:0 already configured for best stream \"a\":0"));
+  EXPECT_TRUE(engine->decoder_configs().empty());
 }
