@@ -47,7 +47,7 @@ void sigc_timer_t::arm() {
     event_add(timeout, nullptr);
     return;
   }
-  const timeval delay{delay_ms / 1000, (delay_ms % 1000) * 1000};
+  const timeval delay{delay_ms / 1000, (delay_ms % 1000) * 1000L};
   event_add(timeout, &delay);
 }
 
