@@ -1,8 +1,10 @@
+#include <locale.h>
+#include <stdlib.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <iterator>
 #include <limits>
 #include <numeric>
@@ -51,12 +53,18 @@ int32_t parse_whole_number(std::string_view text) {
   return value;
 }
 
+/// Modes are written with a decimal point, whatever locale the program has set.
+locale_t point_locale() {
+  static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
+  return locale;
+}
+
 /// A numeric prefix counts, "60Hz" is 60; 0 without one, and for a number that a float does not hold.
 float parse_float(std::string_view text) {
   const std::string terminated(text);
   char* end = nullptr;
   errno = 0;
-  const float value = std::strtof(terminated.c_str(), &end);
+  const float value = strtof_l(terminated.c_str(), &end, point_locale());
   return end == terminated.c_str() || errno == ERANGE ? 0 : value;
 }
 

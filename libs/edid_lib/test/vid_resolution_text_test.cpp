@@ -3,6 +3,7 @@
 #include <limits>
 #include <stdexcept>
 
+#include "comma_locale.h"
 #include "edid_lib/vid_resolution.h"
 
 using edid_lib::vid_resolution_t;
@@ -89,6 +90,23 @@ TEST(VidResolutionText, ARateThatDoesNotParseIsZero) {
 TEST(VidResolutionText, ANumberInFrontOfOtherTextIsTheRate) {
   expect_size(vid_resolution_t("640x480@60Hz"), 640, 480, 60);
   expect_size(vid_resolution_t("640x480@59.94"), 640, 480, 59.94F);
+}
+
+TEST(VidResolutionText, BlanksSignsAndHexadecimalDigitsArePartOfARate) {
+  expect_size(vid_resolution_t("640x480@\t60"), 640, 480, 60);
+  expect_size(vid_resolution_t("640x480@+60"), 640, 480, 60);
+  expect_size(vid_resolution_t("640x480@0x3C"), 640, 480, 60);
+  expect_size(vid_resolution_t("640x480@inf"), 640, 480, std::numeric_limits<float>::infinity());
+}
+
+TEST(VidResolutionText, NumbersHaveADecimalPointInEveryLocale) {
+  const comma_locale_t comma;
+  const vid_resolution_t mode("640x480@59.94 1.5:2.5");
+  expect_size(mode, 640, 480, 59.94F);
+  expect_aspect(mode, 1.5F, 2.5F);
+  EXPECT_EQ(mode.key(), "640x480@59.94 1.5:2.5");
+  EXPECT_EQ(mode.to_string(), "640x480p59.94 4:5");
+  expect_size(vid_resolution_t("640x480@59,94"), 640, 480, 59);
 }
 
 TEST(VidResolutionText, SuffixIsThePixelAspectOrTheMarkers) {
