@@ -14,7 +14,7 @@ class edid_t;
 enum class filter_direction_t : uint32_t { neither, input, output };
 
 /// Which modes the appliance can use: the configuration of a chain of filters. A mode passes if every filter accepts
-/// it. Rates outside 23.5 to 60.5 never pass.
+/// it. Nominal rates outside 23.5 to 60.5 never pass.
 struct tarn_filter_resolution_t {
   bool allow_interlaced = false;
   bool allow_non_square = false;

@@ -37,7 +37,7 @@ class visitor_modes_t final : public visitor_t {
   void prefer_native(uint32_t count);
 
   bool no_native = false;  ///< The extension declares no native detailed timing.
-  bool reduced_first = false;
+  bool reduced_first = true;
   uint32_t revision = 3;
   std::vector<vid_resolution_t> mode_list;
 };

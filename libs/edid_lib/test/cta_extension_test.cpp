@@ -110,15 +110,14 @@ TEST(CtaExtension, ABlockThatRunsOverTheOffsetIsReadWhole) {
 }
 
 TEST(CtaExtension, ABlockThatRunsOverTheEndIsReadToTheEnd) {
-  std::vector<uint8_t> bytes(124, 0x3F);  // video blocks of 31 entries, the last of them cut
-  bytes[122] = 0x41;
-  bytes[31] = 0x5F;
-  const cta_extension_t block(extension(127, {bytes.begin(), bytes.end() - 1}));
-  std::size_t size = 0;
+  const std::vector<uint8_t> bytes(123, 0x5F);  // video blocks of 31 entries, the last of them cut
+  const cta_extension_t block(extension(127, bytes));
+  std::vector<std::size_t> sizes;
   for (const auto& one : block.data_blocks()) {
-    size += one->size();
+    EXPECT_EQ(one->tag(), 2);
+    sizes.push_back(one->size());
   }
-  EXPECT_EQ(size, 124U);
+  EXPECT_EQ(sizes, (std::vector<std::size_t>{32, 32, 32, 28}));
 }
 
 TEST(CtaExtension, AnInvalidDataBlockMakesItInvalid) {

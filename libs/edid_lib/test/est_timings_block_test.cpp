@@ -3,13 +3,19 @@
 #include <gtest/gtest.h>
 
 #include <array>
-
-#include "edid_lib/timing_tables.h"
+#include <iterator>
+#include <string_view>
 
 using edid_lib::est_timings_block_t;
 using edid_lib::vid_resolution_t;
 
 namespace {
+
+/// The lowest bit of the first byte comes first.
+constexpr std::string_view keys_by_bit[] = {"800x600@60",  "800x600@56",  "640x480@75",   "640x480@72",   "640x480@67",
+                                            "640x480@60",  "720x400@88",  "720x400@70",   "1280x1024@75", "1024x768@75",
+                                            "1024x768@70", "1024x768@60", "1024x768i@43", "832x624@75",   "800x600@75",
+                                            "800x600@72",  "1152x864@75"};
 
 est_timings_block_t block(std::array<uint8_t, 3> bytes) { return est_timings_block_t(bytes); }
 
@@ -27,13 +33,13 @@ TEST(EstTimingsBlock, IsValidWith640x480At60) {
 }
 
 TEST(EstTimingsBlock, EachModeHasItsBit) {
-  for (const edid_lib::timing_row_t* row : edid_lib::established_timings().by_key()) {
+  for (std::size_t bit = 0; bit < std::size(keys_by_bit); ++bit) {
     std::array<uint8_t, 3> bytes{};
-    bytes[row->number / 8] = row->number == 16 ? uint8_t{0x80} : static_cast<uint8_t>(1U << row->number % 8);
+    bytes[bit / 8] = bit == 16 ? uint8_t{0x80} : static_cast<uint8_t>(1U << bit % 8);
     const auto modes = block(bytes).modes();
-    ASSERT_EQ(modes.size(), 1U) << row->key;
-    EXPECT_EQ(modes[0].timing, row->timing);
-    EXPECT_TRUE(block(bytes).contains(vid_resolution_t(row->key)));
+    ASSERT_EQ(modes.size(), 1U) << keys_by_bit[bit];
+    EXPECT_EQ(modes[0].key(), keys_by_bit[bit]);
+    EXPECT_TRUE(block(bytes).contains(vid_resolution_t(keys_by_bit[bit])));
   }
 }
 

@@ -59,6 +59,7 @@ TEST(ResolutionFilters, MinComparesTheSameWay) {
 TEST(ResolutionFilters, MaxFpsGoesByTheNominalRate) {
   const max_fps_filter filter(60.5F);
   EXPECT_TRUE(filter.accept(mode_at(60.4F)));
+  EXPECT_TRUE(filter.accept(mode_at(62)));  // 60 by name
   EXPECT_FALSE(filter.accept(mode_at(75)));
   EXPECT_FALSE(filter.accept(mode_at(120)));
   EXPECT_TRUE(max_fps_filter(59.96F).accept(mode_at(60)));
@@ -67,6 +68,7 @@ TEST(ResolutionFilters, MaxFpsGoesByTheNominalRate) {
 
 TEST(ResolutionFilters, MinFpsGoesByTheNominalRate) {
   EXPECT_TRUE(min_fps_filter(23.5F).accept(mode_at(23.98F)));
+  EXPECT_TRUE(min_fps_filter(23.5F).accept(mode_at(23)));  // 23.98 by name
   EXPECT_TRUE(min_fps_filter(24.01F).accept(mode_at(24)));
   EXPECT_FALSE(min_fps_filter(24.5F).accept(mode_at(24)));
 }

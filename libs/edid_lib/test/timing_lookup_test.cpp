@@ -78,6 +78,14 @@ TEST(TimingLookup, RateAlternativeWithATimingIsMadeAnewFromTheSlowerTiming) {
   EXPECT_FALSE(slower.preferred);
 }
 
+TEST(TimingLookup, CtaTimingIsFoundAtItsOtherRateIfTheSlowerClockIsThatOfTheRow) {
+  vid_timing_t vga = cta_resolution(1)->timing;
+  vga.pixel_clock_khz = 25201;
+  EXPECT_EQ(cta_vic(vid_resolution_t(vga)), 1U);
+  vga.pixel_clock_khz = 25200;
+  EXPECT_FALSE(is_cta(vid_resolution_t(vga)));
+}
+
 TEST(TimingLookup, DmtModesAreFoundWithAndWithoutReducedBlanking) {
   EXPECT_EQ(dmt_timing(vid_resolution_t("1280x800@60")).pixel_clock_khz, 83500U);
   EXPECT_EQ(dmt_timing(vid_resolution_t("2048x1152@60")).pixel_clock_khz, 162000U);
@@ -92,6 +100,15 @@ TEST(TimingLookup, DmtRowThatContradictsTheTimingEndsTheSearch) {
   EXPECT_FALSE(is_dmt(vid_resolution_t(full_hd)));
   // The timing of the reduced row, under the name of the row with full blanking.
   EXPECT_FALSE(is_dmt(vid_resolution_t(vid_timing_t{71000, 1280, 1328, 1360, 1440, 800, 803, 809, 823, 9})));
+}
+
+TEST(TimingLookup, DmtModeThatIsFoundOnlyWithReducedBlankingHasToHaveThatTiming) {
+  vid_timing_t timing = {162000, 2048, 2074, 2154, 2250, 1152, 1153, 1156, 1200, 5};
+  EXPECT_EQ(vid_resolution_t(timing).key(), "2048x1152@60");
+  EXPECT_TRUE(is_dmt(vid_resolution_t(timing)));
+  ++timing.v_sync_end;
+  EXPECT_EQ(vid_resolution_t(timing).key(), "2048x1152@60");
+  EXPECT_FALSE(is_dmt(vid_resolution_t(timing)));
 }
 
 TEST(TimingLookup, DmtTimingForAnotherTypeIsUnknown) {
@@ -139,6 +156,13 @@ TEST(TimingLookup, ClassifyTakesTheFirstFamilyThatKnowsTheMode) {
   vid_resolution_t odd("3840x2160@30");
   odd.timing.pixel_clock_khz = 1;
   EXPECT_EQ(classify(odd), timing_type_t::hdmi);
+}
+
+TEST(TimingLookup, CtaComesBeforeHdmi) {
+  const vid_resolution_t mode("3840x2160@24");
+  EXPECT_TRUE(is_hdmi(mode));
+  EXPECT_EQ(classify(mode), timing_type_t::cta);
+  EXPECT_EQ(resolve_timing(mode).type, timing_type_t::cta);
 }
 
 TEST(TimingLookup, ResolveKeepsTheTimingThatAModeHas) {

@@ -102,6 +102,13 @@ TEST(VisitorModes, RevisionAndReducedBlankingOfTheBaseBlockRuleItsStandardTiming
   EXPECT_EQ(read(edid_builder_t().byte(19, 2).standard(0, 0x81, 0x00)), (texts_t{"640x480p60"}));
 }
 
+TEST(VisitorModes, StandardTimingsWithoutABaseBlockAreOfRevisionThreeWithReducedBlanking) {
+  edid_lib::std_timings_block_t block(std::vector<uint8_t>{0x81, 0x00});
+  visitor_modes_t visitor;
+  visitor.visit(&block, false);
+  EXPECT_EQ(texts_of(visitor.modes()), (texts_t{"1280x800p60 RB"}));
+}
+
 TEST(VisitorModes, ReadTwiceGivesTheSame) {
   edid_t edid(edid_builder_t().detailed(0, full_hd).cta(0, {data_block(2, {16}), hdmi_block}).build());
   visitor_modes_t visitor;
