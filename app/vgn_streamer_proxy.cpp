@@ -127,7 +127,14 @@ void vgn_streamer_proxy::set_design_stopped() {
 
 void vgn_streamer_proxy::apply_design_state() {
   const bool wanted = !design_running;
+  const auto missed = std::exchange(missed_connection, {});
   if (wanted == streamer_started) {
+    // A design came and went before the loop turned: nothing restarts, so nobody else looks at these again.
+    for (int n = 0; n < splash_count; ++n) {
+      if (missed[slot(n)]) {
+        on_output_connection(n);
+      }
+    }
     return;
   }
   streamer_started = wanted;
@@ -191,9 +198,11 @@ void vgn_streamer_proxy::on_output_event(uint32_t /*id*/, uint32_t bits, int hdm
 }
 
 void vgn_streamer_proxy::on_output_connection(int hdmi_index) {
-  // Not `design_running`: the loop may not have applied that yet, and a design that has come and gone by then restarts
-  // nothing, so that an event dropped for it would be lost.
-  if (!hdmi_interface || !streamer_started || hdmi_index >= splash_count) {
+  if (!hdmi_interface || hdmi_index >= splash_count) {
+    return;
+  }
+  if (design_running) {
+    missed_connection[slot(hdmi_index)] = true;
     return;
   }
   bool connected = false;

@@ -133,6 +133,8 @@ class vgn_streamer_proxy : public sigc::trackable,
   std::atomic<bool> design_running = false;
   /// What the loop has made of `design_running` so far.
   bool streamer_started = false;
+  /// Outputs whose connection changed while `design_running` was set, until the loop has made something of that.
+  std::array<bool, splash_count> missed_connection{};
   std::string image_path;
   info_texts_t info;
   std::array<int, 2> splash_decoder{-1, -1};

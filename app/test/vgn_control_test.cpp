@@ -274,6 +274,16 @@ TEST_F(VgnControlTest, TheFirstPressOfTheIdKeyTurnsIdModeOnForFiveMinutes) {
   EXPECT_EQ(idModeTimer().interval(), 300'000);
 }
 
+TEST_F(VgnControlTest, IdModeLastsFiveMinutesFromItsLastRequest) {
+  start();
+  control->idKeyPressed(true);
+  idModeTimer().start(600'000);
+  // The bus has not echoed the first request yet, so this one asks for the same.
+  control->idKeyPressed(true);
+  EXPECT_THAT(written(id_mode), ElementsAre("on", "on"));
+  EXPECT_EQ(idModeTimer().interval(), 300'000);
+}
+
 TEST_F(VgnControlTest, LogsTheRequestsOfIdMode) {
   start();
   control->idKeyPressed(true);

@@ -311,6 +311,18 @@ TEST_F(StreamerProxyTest, WhileADesignRunsConnectionEventsAreIgnored) {
   EXPECT_THAT(coordinator_heard(), IsEmpty());
 }
 
+TEST_F(StreamerProxyTest, FromTheMomentADesignIsSaidToRunConnectionEventsAreIgnored) {
+  run({[this] {
+    streamer_system_up();
+    coordinator_heard();
+    forget();
+    proxy.set_design_running();
+    plug(0, timing_1080p);
+    EXPECT_THAT(take(), IsEmpty());
+  }});
+  EXPECT_THAT(coordinator_heard(), IsEmpty());
+}
+
 TEST_F(StreamerProxyTest, APlugWhileADesignComesAndGoesBeforeTheLoopTurnsIsNotMissed) {
   run({[this] {
     streamer_system_up();
