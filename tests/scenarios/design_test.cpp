@@ -7,8 +7,11 @@ class Design : public DaemonScenario {
  protected:
   void run_design() {
     remote().design("Running");
-    const auto let_go = remote().expect_property("/sim/engine/connected", "0");
-    EXPECT_TRUE(let_go) << let_go.seen;
+    // The engine first, then the driver: a plug in between would still be heard of.
+    for (const char* path : {"/sim/engine/connected", "/sim/streamer/open"}) {
+      const auto let_go = remote().expect_property(path, "0");
+      EXPECT_TRUE(let_go) << let_go.seen;
+    }
   }
 };
 
