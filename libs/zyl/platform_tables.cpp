@@ -1,5 +1,5 @@
-// The tables of the product range: the models, the words for platforms and the CPU sets. Rows without class values are
-// numbered placeholders, made with
+// The tables of the product range: the models, the words for platforms and the CPU sets; this file alone changes with
+// the range. A model that nothing in the daemon asks for has its number and no class values; those rows were made with
 //   for i in $(seq 141); do printf '    {"part-%03u", "Model %03u", %u, 0, 0, {0, 0}},\n' $i $i $i; done
 #include "zyl/platform_tables.h"
 
