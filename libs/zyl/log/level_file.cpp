@@ -11,9 +11,6 @@
 namespace zyl {
 namespace {
 
-// What is wrong with a level file; thrown and caught in this file alone.
-enum level_file_fault : int { not_opened = -1, not_an_object = -2, no_revision = -3, other_firmware = -4 };
-
 std::string read_lines(const std::string& path) {
   std::ifstream file(path);
   if (!file) {
@@ -26,13 +23,18 @@ std::string read_lines(const std::string& path) {
   return text;
 }
 
-rapidjson::Document parse_object(const std::string& path) {
+// Iteratively: the file comes from outside, and its nesting must not decide how deep the stack gets.
+rapidjson::Document parse_object(std::string_view text) {
   rapidjson::Document document;
-  document.Parse(read_lines(path).c_str());
+  document.Parse<rapidjson::kParseIterativeFlag>(text.data(), text.size());
   if (document.HasParseError() || !document.IsObject()) {
     throw int(not_an_object);
   }
   return document;
+}
+
+std::string text_of(const rapidjson::Value& value) {
+  return value.IsString() ? std::string(value.GetString(), value.GetStringLength()) : std::string();
 }
 
 std::string revision_of(const rapidjson::Document& document) {
@@ -40,39 +42,51 @@ std::string revision_of(const rapidjson::Document& document) {
   if (member == document.MemberEnd() || !member->value.IsString()) {
     throw int(no_revision);
   }
-  return member->value.GetString();
+  return text_of(member->value);
 }
 
-void apply_levels(const rapidjson::Value& levels) {
-  for (const auto& member : levels.GetObject()) {
-    const auto logger = spdlog::get(member.name.GetString());
-    if (!logger) {
-      continue;
-    }
-    const auto level = level_of(member.value.IsString() ? member.value.GetString() : "");
-    logger->set_level(level);
-    logger->flush_on(level);
-  }
-}
-
-void load(const std::string& path, const std::string& program) {
-  const auto document = parse_object(path);
-  if (revision_of(document) != revision_of(parse_object("/build_info.json"))) {
-    // A firmware update resets all levels. Whether rm succeeds changes nothing for this run.
-    [[maybe_unused]] const int ignored = std::system(("/bin/rm -rf " + path).c_str());
-    throw int(other_firmware);
-  }
-  const auto levels = document.FindMember(program.c_str());
-  if (levels == document.MemberEnd()) {
-    return;
-  }
-  if (!levels->value.IsObject()) {
+std::vector<level_setting_t> settings_of(const rapidjson::Value& levels) {
+  if (!levels.IsObject()) {
     throw int(not_an_object);
   }
-  apply_levels(levels->value);
+  std::vector<level_setting_t> settings;
+  for (const auto& member : levels.GetObject()) {
+    settings.push_back({text_of(member.name), level_of(text_of(member.value))});
+  }
+  return settings;
+}
+
+void apply(const std::vector<level_setting_t>& settings) {
+  for (const auto& setting : settings) {
+    if (const auto logger = spdlog::get(setting.logger)) {
+      logger->set_level(setting.level);
+      logger->flush_on(setting.level);
+    }
+  }
+}
+
+// A firmware update resets all levels. Whether rm succeeds changes nothing for this run.
+void remove_file(const std::string& path) {
+  [[maybe_unused]] const int ignored = std::system(("/bin/rm -rf " + path).c_str());
 }
 
 }  // namespace
+
+std::vector<level_setting_t> parse_level_file(std::string_view text, std::string_view revision,
+                                              std::string_view program) {
+  const auto document = parse_object(text);
+  if (revision_of(document) != revision) {
+    throw int(other_firmware);
+  }
+  for (const auto& member : document.GetObject()) {
+    if (text_of(member.name) == program) {
+      return settings_of(member.value);
+    }
+  }
+  return {};
+}
+
+std::string parse_revision(std::string_view text) { return revision_of(parse_object(text)); }
 
 spdlog::level::level_enum level_of(std::string_view text) {
   using spdlog::level::level_enum;
@@ -102,8 +116,13 @@ spdlog::level::level_enum level_of(std::string_view text) {
 
 void load_level_file(const std::string& path, const std::string& program) {
   try {
-    load(path, program);
-  } catch (int) {  // NOLINT(bugprone-empty-catch): a bad level file costs nothing but its settings
+    const std::string text = read_lines(path);
+    apply(parse_level_file(text, parse_revision(read_lines("/build_info.json")), program));
+  } catch (int fault) {
+    // A bad level file costs nothing but its settings.
+    if (fault == other_firmware) {
+      remove_file(path);
+    }
   }
 }
 
