@@ -178,9 +178,3 @@ TEST(PropertyMonitorAlone, WorksWithoutAServiceAndStaysEmpty) {
   QCoreApplication::processEvents();
   EXPECT_EQ(spy.count(), 0);
 }
-
-int main(int argc, char** argv) {
-  const QCoreApplication application(argc, argv);
-  testing::InitGoogleTest(&argc, argv);
-  return RUN_ALL_TESTS();
-}
