@@ -1,0 +1,16 @@
+#include "zyl/curl/request.h"
+
+#include "zyl/curl/curl_init.h"
+
+namespace zyl::curl {
+
+request_t::request_t() {
+  set_libcurl_up();
+  handle.reset(curl_easy_init());
+  if (!handle) {
+    throw_init_failure(CURLE_FAILED_INIT);
+  }
+  curl_easy_setopt(easy(), CURLOPT_PRIVATE, this);
+}
+
+}  // namespace zyl::curl
