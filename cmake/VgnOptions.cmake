@@ -13,6 +13,8 @@ include(CTest)
 
 set(VGN_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them; empty for none")
 
+set(VGN_PROFILES "" CACHE PATH "Folder that test programs leave profiles of the lines they ran in; empty for none")
+
 find_program(CCACHE ccache)
 if(CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
@@ -35,4 +37,10 @@ target_include_directories(vgn_options INTERFACE ${CMAKE_SOURCE_DIR}/libs)
 if(VGN_SANITIZE)
   add_compile_options(-fsanitize=${VGN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${VGN_SANITIZE})
+endif()
+
+if(VGN_PROFILES)
+  add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+  add_link_options(-fprofile-instr-generate)
+  file(MAKE_DIRECTORY ${VGN_PROFILES})
 endif()

@@ -1,5 +1,14 @@
 # The three kinds of target that the project has.
 
+# What CTest puts in front of a test's command; environment and command follow.
+set(vgn_test_launcher ${CMAKE_SOURCE_DIR}/sim/sandbox run --build ${CMAKE_BINARY_DIR})
+if(VGN_PROFILES)
+  # One file for each program, which all of its runs add to.
+  list(APPEND vgn_test_launcher --writable ${VGN_PROFILES} -- env LLVM_PROFILE_FILE=${VGN_PROFILES}/%m.profraw)
+else()
+  list(APPEND vgn_test_launcher -- env)
+endif()
+
 # vgn_library(NAME SOURCES ... [PUBLIC targets...] [PRIVATE targets...])
 #
 # PUBLIC: what its headers show; PRIVATE: what only its sources use.
@@ -35,7 +44,7 @@ function(vgn_test name)
   # CMake runs a test through this wherever it has one; it is not about cross compiling here. The environment goes this
   # way too: it is the test's alone, not the launcher's, and a test property would hold one variable at most.
   set_target_properties(${name} PROPERTIES
-    CROSSCOMPILING_EMULATOR "${CMAKE_SOURCE_DIR}/sim/sandbox;run;--build;${CMAKE_BINARY_DIR};--;env;${arg_ENVIRONMENT}")
+    CROSSCOMPILING_EMULATOR "${vgn_test_launcher};${arg_ENVIRONMENT}")
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 60)
   endif()
