@@ -77,6 +77,13 @@ void check_encoding(frame_t frame) {
           "a frame that is encoded and received is the same");
 }
 
+/// Whatever came before, nothing of it is left when the connection was another one.
+void check_clear(zyl::property_frame_buffer_t& buffer, std::string_view bytes, const std::vector<frame_t>& expected) {
+  buffer.clear();
+  require(buffer.empty(), "a cleared buffer is empty");
+  require(receive(bytes, buffer, [] { return std::string_view::npos; }) == expected, "a cleared buffer begins anew");
+}
+
 /// Whatever came before: once no frame is under way, the next one is received.
 void check_recovery(zyl::property_frame_buffer_t& buffer) {
   const frame_t good{"changed", "/a", "1"};
@@ -108,6 +115,7 @@ void check(std::string_view bytes, uint8_t seed) {
     check_recovery(buffer);
     check_recovery(single);
   }
+  check_clear(single, bytes, expected);
 }
 
 }  // namespace
