@@ -36,10 +36,15 @@ class service_t {
     require(::send(peer, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size()), "sends");
   }
 
+  /// All that has come.
   std::string received() const {
+    std::string all;
     std::array<char, 4096> bytes{};
-    const ssize_t count = ::recv(peer, bytes.data(), bytes.size(), MSG_DONTWAIT);
-    return {bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
+    for (ssize_t count = 1; count > 0;
+         all.append(bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)))) {
+      count = ::recv(peer, bytes.data(), bytes.size(), MSG_DONTWAIT);
+    }
+    return all;
   }
 
   void end_sending() const { ::shutdown(peer, SHUT_WR); }
@@ -83,13 +88,40 @@ std::vector<message_t> received_messages(zyl::property_client_t& client) {
   return messages;
 }
 
-/// What goes out and comes in unharmed again.
-void check_set(zyl::property_client_t& client, const service_t& service, const message_t& message) {
-  require(client.set(message.path, message.value), "a request goes out");
-  fuzz::plain_property_receiver_t heard;
-  heard.append(service.received());
-  require(heard.take_frame() == fuzz::frame_t{"set", message.path, message.value}, "the service hears the request");
-  require(heard.left().empty(), "and nothing else");
+/// The requests that the service has heard since it was asked last.
+std::vector<fuzz::frame_t> heard_by(const service_t& service) {
+  fuzz::plain_property_receiver_t receiver;
+  receiver.append(service.received());
+  std::vector<fuzz::frame_t> requests;
+  while (auto frame = receiver.take_frame()) {
+    requests.push_back(*std::move(frame));
+  }
+  require(receiver.left().empty(), "requests are whole frames");
+  return requests;
+}
+
+/// What goes out arrives unharmed, whatever it is.
+void check_requests(zyl::property_client_t& client, const service_t& service, const message_t& message) {
+  const auto& [command, path, value] = message;
+  require(client.create(path) && client.list(path) && client.monitor(path), "requests go out");
+  require(client.set(path, value) && client.get_all(), "requests go out");
+  const std::vector<fuzz::frame_t> expected{
+      {"create", path}, {"list", path}, {"monitor", path}, {"set", path, value}, {"get_all"}};
+  require(heard_by(service) == expected, "the service hears the requests");
+}
+
+/// What the service says of a property is what a reader gets. Answers are sent before the question, so that nobody
+/// waits.
+void check_read(zyl::property_client_t& client, const service_t& service, const message_t& message) {
+  std::string value;
+  service.send(zyl::build_frame({"get_response", message.path, message.value}));
+  require(client.read(message.path, value, 0) && value == message.value, "a value is read");
+  service.send(zyl::build_frame({"error", "no_property", message.path}));
+  require(client.read(message.path, value, 0) && value.empty(), "a property that does not exist is empty");
+  service.send(zyl::build_frame({message.command, message.path + "/other", message.value}));
+  require(!client.read(message.path, value, 0) && value.empty(), "another message is no answer");
+  const fuzz::frame_t request{"get", message.path};
+  require(heard_by(service) == std::vector<fuzz::frame_t>{request, request, request}, "the service was asked");
 }
 
 }  // namespace
@@ -111,7 +143,10 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     require(received_messages(client) == expected, "the client receives what was sent");
     last = expected.empty() ? last : expected.back();
   }
-  check_set(client, service, last);
+  check_requests(client, service, last);
+  if (plain.left().size() < zyl::property_frame_magic.size()) {
+    check_read(client, service, last);
+  }
 
   require(!client.hung_up(), "the service is there");
   service.end_sending();
