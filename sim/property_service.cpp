@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <limits>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -27,12 +26,8 @@ std::string junk() {
 
 std::string quoted(const std::string& value) { return '"' + value + '"'; }
 
-/// Whether "get_response", the longest response, can carry both.
 bool fits_response(const std::string& path, const std::string& value) {
-  constexpr std::size_t length_size = 2;
-  constexpr std::size_t room =
-      std::numeric_limits<uint16_t>::max() - 3 * length_size - std::string_view("get_response").size();
-  return path.size() + value.size() <= room;
+  return path.size() + value.size() <= zyl::longest_property;
 }
 
 }  // namespace

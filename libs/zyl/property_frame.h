@@ -26,6 +26,10 @@ inline constexpr std::string_view property_frame_magic = "ipc_magic";
 /// Bytes of a frame in front of its payload.
 inline constexpr std::size_t property_frame_header_size = 11;
 
+/// Bytes of a path and its value together that every frame of theirs can carry: a payload has at most 65535, three of
+/// its fields have a length each, and "get_response" is the longest command in front of the two.
+inline constexpr std::size_t longest_property = 65535 - 3 * 2 - std::string_view("get_response").size();
+
 /// The frame that carries `fields`. Lengths are truncated to 16 bits without a check, so a field or a payload beyond
 /// 65535 bytes gives a corrupt frame. Any thread.
 std::string build_frame(std::initializer_list<std::string_view> fields);

@@ -40,6 +40,13 @@ TEST(PropertyFrame, LengthsAreTruncatedToSixteenBits) {
   EXPECT_EQ(frame.substr(9, 4), "\x72\x11\x70\x11"s);
 }
 
+TEST(PropertyFrame, LongestPropertyFillsTheLongestResponse) {
+  const std::string value(zyl::longest_property - 2, 'v');
+  const std::string frame = zyl::build_frame({"get_response", "/a", value});
+  EXPECT_EQ(frame.size(), 11U + 65535U);
+  EXPECT_THAT(frames_in(frame), ElementsAre(ElementsAre("get_response", "/a", value)));
+}
+
 TEST(PropertyFrame, ComesBackAsItsFields) {
   EXPECT_THAT(frames_in(zyl::build_frame({"get_all"})), ElementsAre(ElementsAre("get_all")));
   EXPECT_THAT(frames_in(zyl::build_frame({"changed", "/a", "ipc_magic"}) + zyl::build_frame({"get", "/b"})),
