@@ -1,139 +1,209 @@
 #include "tools/vgnctl/property/property_commands.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdint>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "zyl/clock.h"
-#include "zyl/property_client.h"
+#include "tools/vgnctl/property/property_lines.h"
+#include "tools/vgnctl/property/property_session.h"
+#include "zyl/exceptions.h"
 
 namespace vgnctl {
 namespace {
 
-constexpr int done = 0;
-constexpr int service_failed = 1;
-constexpr int bad_usage = 2;
+// Help keeps to the 80 columns of a plain terminal.
 
-constexpr int64_t answer_timeout_ms = 1000;
-constexpr int no_timeout = -1;
-constexpr std::size_t longest_frame = zyl::property_frame_header_size + 65535;
+constexpr const char* group_footer = R"(Output:
+  One line path=value a property. A backslash is written as \\, and as \n, \r,
+  \t or \xHH what could be mistaken for something else: control characters,
+  bytes that are no UTF-8, and "=" in a path, so the first "=" of a line ends
+  the path. The printf %b of bash turns them back.
+  With --json one object a line: {"path":"/a","value":"1"}. Bytes that are no
+  UTF-8 are U+FFFD there; then a member "path_hex" or "value_hex" holds the
+  whole text too, two hex digits a byte.
 
-bool connect(zyl::property_client_t& client) {
-  if (client.connect()) {
-    return true;
-  }
-  std::cerr << "vgnctl: no property service at " << zyl::property_service_path << '\n';
-  return false;
-}
+Examples:
+  vgnctl property dump
+  vgnctl property list /sys/config
+  vgnctl property get /tarn/design/status
+  vgnctl property set /tarn/mode/id 1
+  vgnctl property monitor /tarn/mode/id /tarn/design/status
+  vgnctl property dump --json | jq -r 'select(.value == "").path'
 
-int tell_no_answer(const std::string& path) {
-  std::cerr << "vgnctl: the property service gave no answer for " << path << '\n';
-  return service_failed;
-}
+Exit status:
+  0  done
+  1  no property service listens at /tmp/.tarn_property_ipc, it does not answer
+     or refuses, or it has gone
+  2  wrong use)";
 
-/// Asks for the value and waits for the answer, past whatever else the service says meanwhile.
-bool read(zyl::property_client_t& client, const std::string& path, std::string& value) {
-  const int64_t deadline = zyl::now_ms() + answer_timeout_ms;
-  client.get(path);
-  std::string command;
-  std::string about;
-  for (int64_t left = answer_timeout_ms; left > 0 && !client.hung_up(); left = deadline - zyl::now_ms()) {
-    client.receive(command, about, value, static_cast<int>(left));
-    if (command == "get_response" && about == path) {
-      return true;
-    }
-    if (command == "error" && about == "no_property") {
-      value.clear();
-      return true;
-    }
-  }
-  return false;
-}
+constexpr const char* get_footer = R"(Examples:
+  vgnctl property get /tarn/design/status
+  line=$(vgnctl property get /tarn/mode/id) && [ "${line#*=}" = 1 ])";
 
-int get(const std::string& path) {
-  zyl::property_client_t client;
-  if (!connect(client)) {
-    return service_failed;
-  }
-  std::string value;
-  if (!read(client, path, value)) {
-    return tell_no_answer(path);
-  }
-  std::cout << path << '=' << value << '\n';
-  return done;
-}
+constexpr const char* set_footer = R"(Whoever monitors the property is told, also when the value is the one that it
+had. Path and value have at most 65517 bytes together.
 
-int set(const std::string& path, const std::string& value) {
-  if (zyl::build_frame({"set", path, value}).size() > longest_frame) {
-    std::cerr << "vgnctl: path and value are too long for the property service\n";
-    return bad_usage;
-  }
-  zyl::property_client_t client;
-  if (!connect(client)) {
-    return service_failed;
-  }
-  // A request has no answer of its own. Once a later one is answered, the service has done this one too.
-  std::string ignored;
-  if (!client.set(path, value) || !read(client, path, ignored)) {
-    return tell_no_answer(path);
-  }
-  return done;
-}
+Examples:
+  vgnctl property set /tarn/mode/id 1
+  vgnctl property set /tarn/mode/id ''        the empty value
+  vgnctl property set /sys/offset -- -1       a value that begins with "-")";
 
-int monitor(const std::vector<std::string>& paths) {
-  zyl::property_client_t client;
-  if (!connect(client)) {
-    return service_failed;
-  }
-  for (const std::string& path : paths) {
-    client.monitor(path);
-  }
-  std::string command;
+constexpr const char* create_footer = R"(A new property is empty; one that exists keeps its value.
+
+Examples:
+  vgnctl property create /sys/name)";
+
+constexpr const char* list_footer = R"(The property PATH itself is not below PATH. The list ends
+when the service says so or is silent for half a second.
+
+Examples:
+  vgnctl property list /sys
+  vgnctl property list --json /sys | jq -r .path)";
+
+constexpr const char* dump_footer = R"(It ends when the service says so or is silent for half a second.
+
+Examples:
+  vgnctl property dump | grep hdmi)";
+
+constexpr const char* monitor_footer =
+    R"(A line comes at once whenever somebody sets one of the
+properties, also when the value is the one that it had. The values from before
+are not printed. A property may come to exist later.
+
+Ends by the signal that interrupts it, as of Ctrl-C, or with exit status 1 when
+the service goes away.
+
+Examples:
+  vgnctl property monitor /tarn/mode/id
+  vgnctl property monitor --json /sys/hdmi1_properties /sys/hdmi2_properties)";
+
+/// What a command line can give to a command.
+struct arguments_t {
   std::string path;
+  std::vector<std::string> paths;
   std::string value;
-  while (!client.hung_up()) {
-    if (client.receive(command, path, value, no_timeout) && command == "changed") {
-      std::cout << path << '=' << value << std::endl;
-    }
+  bool json = false;
+};
+
+/// Adds a command; its arguments live as long as the command line.
+template <typename run_t>
+CLI::App* add_command(CLI::App& group, const char* name, const char* description, const char* footer,
+                      const std::shared_ptr<arguments_t>& arguments, run_t run) {
+  CLI::App* command = group.add_subcommand(name, description);
+  command->footer(footer);
+  command->callback([arguments, run] { run(*arguments); });
+  return command;
+}
+
+template <typename paths_t>
+void add_path(CLI::App* command, paths_t& path, const char* description) {
+  const auto no_text = [](const std::string& text) { return text.empty() ? "must not be empty" : ""; };
+  command->add_option("PATH", path, description)->required()->check(CLI::Validator(no_text, ""))->type_name("");
+}
+
+void add_json(CLI::App* command, arguments_t& arguments) {
+  command->add_flag("--json", arguments.json, "Print JSON lines");
+}
+
+void print(const arguments_t& arguments, const std::string& path, const std::string& value) {
+  std::cout << (arguments.json ? json_line(path, value) : text_line(path, value)) << '\n';
+}
+
+property_session_t::property_handler_t printer(const arguments_t& arguments) {
+  return [&arguments](const std::string& path, const std::string& value) { print(arguments, path, value); };
+}
+
+void get(const arguments_t& arguments) {
+  print(arguments, arguments.path, property_session_t().get(arguments.path).value_or(""));
+}
+
+void set(const arguments_t& arguments) {
+  const std::size_t size = arguments.path.size() + arguments.value.size();
+  if (size > zyl::longest_property) {
+    throw CLI::ValidationError("PATH and VALUE", std::to_string(size) + " bytes are too long, " +
+                                                     std::to_string(zyl::longest_property) + " is the most");
   }
-  std::cerr << "vgnctl: the property service has gone\n";
-  return service_failed;
+  property_session_t().set(arguments.path, arguments.value);
 }
 
-void add_get(CLI::App& group, int& status) {
-  auto path = std::make_shared<std::string>();
-  CLI::App* command = group.add_subcommand("get", "Print a property as path=value; a missing one is empty");
-  command->add_option("PATH", *path, "path of the property")->required();
-  command->callback([&status, path] { status = get(*path); });
+void create(const arguments_t& arguments) { property_session_t().create(arguments.path); }
+
+void list(const arguments_t& arguments) { property_session_t().list(arguments.path, printer(arguments)); }
+
+void dump(const arguments_t& arguments) { property_session_t().dump(printer(arguments)); }
+
+void monitor(const arguments_t& arguments) {
+  const auto print_now = [&arguments](const std::string& path, const std::string& value) {
+    print(arguments, path, value);
+    if (!std::cout.flush()) {
+      throw zyl::exception_t("standard output takes nothing more");
+    }
+  };
+  const auto warn = [] { std::cerr << "vgnctl: one of the properties does not exist\n"; };
+  property_session_t().monitor(arguments.paths, print_now, warn);
 }
 
-void add_set(CLI::App& group, int& status) {
-  auto path = std::make_shared<std::string>();
-  auto value = std::make_shared<std::string>();
-  CLI::App* command = group.add_subcommand("set", "Write a property; put -- in front of a value that begins with -");
-  command->add_option("PATH", *path, "path of the property")->required();
-  command->add_option("VALUE", *value, "its new value")->required();
-  command->callback([&status, path, value] { status = set(*path, *value); });
+void add_get(CLI::App& group) {
+  const auto arguments = std::make_shared<arguments_t>();
+  CLI::App* command =
+      add_command(group, "get", "Print a property; one that does not exist is empty", get_footer, arguments, get);
+  add_path(command, arguments->path, "path of the property");
+  add_json(command, *arguments);
 }
 
-void add_monitor(CLI::App& group, int& status) {
-  auto paths = std::make_shared<std::vector<std::string>>();
-  CLI::App* command = group.add_subcommand("monitor", "Print each change as path=value until interrupted");
-  command->add_option("PATH", *paths, "paths of the properties")->required();
-  command->callback([&status, paths] { status = monitor(*paths); });
+void add_set(CLI::App& group) {
+  const auto arguments = std::make_shared<arguments_t>();
+  CLI::App* command =
+      add_command(group, "set", "Write a property; returns when the service has it", set_footer, arguments, set);
+  add_path(command, arguments->path, "path of the property");
+  command->add_option("VALUE", arguments->value, "its new value, behind -- if it begins with -")
+      ->required()
+      ->type_name("");
+}
+
+void add_create(CLI::App& group) {
+  const auto arguments = std::make_shared<arguments_t>();
+  CLI::App* command =
+      add_command(group, "create", "Make a property exist; returns when it does", create_footer, arguments, create);
+  add_path(command, arguments->path, "path of the property");
+}
+
+void add_list(CLI::App& group) {
+  const auto arguments = std::make_shared<arguments_t>();
+  CLI::App* command = add_command(group, "list", "Print all properties below a path", list_footer, arguments, list);
+  add_path(command, arguments->path, "the path above them");
+  add_json(command, *arguments);
+}
+
+void add_monitor(CLI::App& group) {
+  const auto arguments = std::make_shared<arguments_t>();
+  CLI::App* command = add_command(group, "monitor", "Print each change of properties, until interrupted",
+                                  monitor_footer, arguments, monitor);
+  add_path(command, arguments->paths, "paths of the properties");
+  add_json(command, *arguments);
+}
+
+void add_dump(CLI::App& group) {
+  const auto arguments = std::make_shared<arguments_t>();
+  CLI::App* command = add_command(group, "dump", "Print all properties", dump_footer, arguments, dump);
+  add_json(command, *arguments);
 }
 
 }  // namespace
 
-void add_property_commands(CLI::App& app, int& status) {
-  CLI::App* group = app.add_subcommand("property", "Read, write and watch the properties of the appliance");
+void register_property_commands(CLI::App& app) {
+  CLI::App* group = app.add_subcommand("property", "Read, write and watch the appliance's properties");
   group->require_subcommand(1);
-  add_get(*group, status);
-  add_set(*group, status);
-  add_monitor(*group, status);
+  group->footer(group_footer);
+  add_get(*group);
+  add_set(*group);
+  add_create(*group);
+  add_list(*group);
+  add_monitor(*group);
+  add_dump(*group);
 }
 
 }  // namespace vgnctl

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "zyl/property_client.h"
+
+namespace vgnctl {
+
+/// What one command has to say to the property service, each request followed through to its end.
+///
+/// Every call throws a `zyl::exception_t` with a text for people if the service hangs up or does not answer. One
+/// thread.
+class property_session_t {
+ public:
+  using property_handler_t = std::function<void(const std::string& path, const std::string& value)>;
+
+  /// Connects. Throws if there is no service.
+  property_session_t();
+
+  /// The value of a property; nothing if it does not exist.
+  std::optional<std::string> get(const std::string& path);
+
+  /// Writes a property and waits until the service has it. Throws if the property does not exist then. Path and value
+  /// must not be longer than `zyl::longest_property` together.
+  void set(const std::string& path, const std::string& value);
+
+  /// Makes a property exist and waits until it does. Throws if it does not.
+  void create(const std::string& path);
+
+  /// Hands over each property below `path` in the order of the service.
+  void list(const std::string& path, const property_handler_t& on_property);
+
+  /// Hands over all properties in the order of the service.
+  void dump(const property_handler_t& on_property);
+
+  /// Hands over each change of the properties. `on_unknown` is called when the service says that it does not know one
+  /// of them, which need not be the end of it: it may come to exist. Ends only by throwing.
+  [[noreturn]] void monitor(const std::vector<std::string>& paths, const property_handler_t& on_change,
+                            const std::function<void()>& on_unknown);
+
+ private:
+  struct message_t {
+    std::string command;
+    std::string path;
+    std::string value;
+
+    bool tells_value_of(const std::string& asked) const { return command == "get_response" && path == asked; }
+    bool tells_no_property() const { return command == "error" && path == "no_property"; }
+  };
+
+  std::optional<message_t> next_message(int64_t limit_ms);
+  void require(const std::string& path);
+  void collect(const std::string& about, const property_handler_t& on_property);
+  bool take_properties(const std::string& asked_again, const property_handler_t& on_property);
+
+  zyl::property_client_t client;
+};
+
+}  // namespace vgnctl
