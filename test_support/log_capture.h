@@ -1,6 +1,7 @@
 #pragma once
 
 #include <spdlog/sinks/base_sink.h>
+#include <spdlog/spdlog.h>
 
 #include <algorithm>
 #include <memory>
@@ -24,7 +25,7 @@ class log_capture_t {
   };
 
   explicit log_capture_t(std::string_view logger_name, spdlog::level::level_enum level = spdlog::level::info)
-      : logger(zyl::module_logger(logger_name)), sink(std::make_shared<sink_t>()), previous_level(logger.level()) {
+      : logger(logger_called(logger_name)), sink(std::make_shared<sink_t>()), previous_level(logger.level()) {
     logger.sinks().push_back(sink);
     logger.set_level(level);
   }
@@ -81,6 +82,12 @@ class log_capture_t {
    private:
     std::vector<line_t> heard;
   };
+
+  // Asking for a module's logger would give it its default level.
+  static spdlog::logger& logger_called(std::string_view name) {
+    const auto known = spdlog::get(std::string(name));
+    return known ? *known : zyl::module_logger(name);
+  }
 
   spdlog::logger& logger;
   std::shared_ptr<sink_t> sink;

@@ -26,8 +26,9 @@ struct level_setting_t {
 
 /// Takes a level file's text apart: the settings for `program`, in the file's order; none if it has no such member.
 ///
-/// The text, JSON: {"git_revision": REVISION, PROGRAM: {LOGGER: LEVEL, ...}, ...}. `revision` is the running firmware's.
-/// Throws `int`: not_an_object, no_revision, other_firmware. Touches nothing but its arguments; any bytes will do.
+/// The text, JSON: {"git_revision": REVISION, PROGRAM: {LOGGER: LEVEL, ...}, ...}. `revision` is the running
+/// firmware's. Throws `int`: not_an_object, no_revision, other_firmware. Touches nothing but its arguments; any bytes
+/// will do.
 std::vector<level_setting_t> parse_level_file(std::string_view text, std::string_view revision,
                                               std::string_view program);
 

@@ -21,23 +21,32 @@ void report(spdlog::logger& logger, const char* text) noexcept {
 }  // namespace
 
 log_base_s::log_base_s(spdlog::logger& line_logger, spdlog::level::level_enum line_level)
-    : std::ostream(nullptr), logger(line_logger), level(line_level) {
+    : std::ostream(nullptr), logger(line_logger), level(line_level), text(*this) {
   if (logger.should_log(level)) {
     rdbuf(&text);
   }
 }
 
 log_base_s::~log_base_s() {
-  if (rdbuf() == nullptr) {
-    return;
+  if (enabled()) {
+    write_line(text.view());
   }
+}
+
+void log_base_s::write_line(std::string_view line) noexcept {
   try {
-    logger.log(level, "{}", text.str());
+    logger.log(level, "{}", line);
   } catch (const std::exception& error) {
     report(logger, error.what());
   } catch (...) {
     report(logger, "Unknown exeption in logger");
   }
+}
+
+std::string log_base_s::take_text() {
+  std::string taken = text.str();
+  text.str(std::string());
+  return taken;
 }
 
 }  // namespace zyl

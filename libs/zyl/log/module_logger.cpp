@@ -7,21 +7,23 @@
 #include <mutex>
 #include <string>
 
+#include "zyl/log/default_level.h"
+#include "zyl/log/patterns.h"
+
 namespace zyl {
 namespace {
 
-constexpr const char* logger_pattern = "%+";
-
 void install_default_logger() {
   auto logger = std::make_shared<spdlog::logger>("default", std::make_shared<spdlog::sinks::stdout_color_sink_mt>());
+  logger->set_pattern(log_patterns::full);
   logger->set_level(spdlog::level::info);
   spdlog::set_default_logger(std::move(logger));
 }
 
+// The sinks bring their pattern along: setting it here would change it for all who share them, the log file's too.
 std::shared_ptr<spdlog::logger> make_logger(const std::string& name) {
   const auto& sinks = spdlog::default_logger_raw()->sinks();
   auto logger = std::make_shared<spdlog::logger>(name, sinks.begin(), sinks.end());
-  logger->set_pattern(logger_pattern);
   logger->set_level(spdlog::level::info);
   spdlog::register_logger(logger);
   return logger;
@@ -29,7 +31,7 @@ std::shared_ptr<spdlog::logger> make_logger(const std::string& name) {
 
 }  // namespace
 
-spdlog::logger& module_logger(std::string_view name) {
+spdlog::logger& module_logger(std::string_view name, std::string_view default_level) {
   static std::once_flag default_logger_installed;
   std::call_once(default_logger_installed, install_default_logger);
 
@@ -38,7 +40,13 @@ spdlog::logger& module_logger(std::string_view name) {
   const std::lock_guard lock(creation);
   const std::string key(name);
   auto logger = spdlog::get(key);
-  return logger ? *logger : *make_logger(key);
+  if (!logger) {
+    logger = make_logger(key);
+  }
+  if (const auto level = default_level_of(default_level)) {
+    logger->set_level(*level);
+  }
+  return *logger;
 }
 
 }  // namespace zyl

@@ -1,5 +1,7 @@
 #include "zyl/log/setup_logging.h"
 
+#include <spdlog/cfg/argv.h>
+#include <spdlog/cfg/env.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_color_sinks.h>
 #include <spdlog/sinks/syslog_sink.h>
@@ -11,6 +13,7 @@
 
 #include "zyl/log/level_file.h"
 #include "zyl/log/module_logger.h"
+#include "zyl/log/patterns.h"
 
 namespace zyl {
 namespace {
@@ -37,7 +40,7 @@ spdlog::sink_ptr make_sink(const std::string& sink_name) {
     return std::make_shared<spdlog::sinks::stdout_color_sink_st>();
   }
   auto sink = std::make_shared<spdlog::sinks::rotating_file_sink_mt>(sink_name, file_size_limit, rotated_files);
-  sink->set_pattern("[%m/%d/%Y %H:%M:%S] [%n] [%l] %v");
+  sink->set_pattern(log_patterns::file);
   return sink;
 }
 
@@ -54,6 +57,17 @@ void setup_logging(const std::string& name, bool load_levels, const std::string&
   if (load_levels) {
     load_level_file("/var/rwfs2/log_level." + program_name() + ".json", program_name());
   }
+}
+
+void setup_logging_with_environment(const std::string& name, bool load_levels, const std::string& sink_name) {
+  setup_logging(name, load_levels, sink_name);
+  spdlog::cfg::load_env_levels();
+}
+
+void setup_logging_with_arguments(const std::string& name, bool load_levels, const std::string& sink_name, int argc,
+                                  const char* const* argv) {
+  setup_logging(name, load_levels, sink_name);
+  spdlog::cfg::load_argv_levels(argc, const_cast<const char**>(argv));
 }
 
 }  // namespace zyl

@@ -32,9 +32,7 @@ class LevelFile : public testing::Test {
     logger.flush_on(spdlog::level::off);
   }
 
-  bool untouched() const {
-    return logger.level() == spdlog::level::info && logger.flush_level() == spdlog::level::off;
-  }
+  bool untouched() const { return logger.level() == spdlog::level::info && logger.flush_level() == spdlog::level::off; }
 
   void load(const std::string& text) {
     write(path, text);
@@ -97,8 +95,9 @@ TEST_F(LevelFile, PassesOverALoggerThatNobodyRegistered) {
 }
 
 TEST_F(LevelFile, ALevelInEitherSpellingIsTheSameAndInCapitalsIsInfo) {
-  for (const auto& [text, level] : {std::pair{"Warning", spdlog::level::warn}, std::pair{"warning", spdlog::level::warn},
-                                    std::pair{"WARNING", spdlog::level::info}}) {
+  for (const auto& [text, level] :
+       {std::pair{"Warning", spdlog::level::warn}, std::pair{"warning", spdlog::level::warn},
+        std::pair{"WARNING", spdlog::level::info}}) {
     logger.set_level(spdlog::level::trace);
     load(std::string(R"({"git_revision": "abc", "vgn_control": {"level_file_test": ")") + text + "\"}}");
     EXPECT_EQ(logger.level(), level) << text;
@@ -116,12 +115,12 @@ TEST_F(LevelFile, AnUnknownLevelTextCountsAsInfo) {
 }
 
 TEST_F(LevelFile, MalformedInAnyWayChangesNothingAndStays) {
-  for (const char* text :
-       {"", "[", "[]", "1", "\"text\"", "{}", R"({"vgn_control": {"level_file_test": "Debug"}})",
-        R"({"git_revision": 1, "vgn_control": {"level_file_test": "Debug"}})",
-        R"({"git_revision": "abc", "vgn_control": 1})", R"({"git_revision": "abc", "vgn_control": ["level_file_test"]})",
-        R"({"git_revision": "abc", "vgn_control": {"level_file_test")",
-        R"({"git_revision": "abc", "vgn_control": {"level_file_test": "Debug"}} rest)"}) {
+  for (const char* text : {"", "[", "[]", "1", "\"text\"", "{}", R"({"vgn_control": {"level_file_test": "Debug"}})",
+                           R"({"git_revision": 1, "vgn_control": {"level_file_test": "Debug"}})",
+                           R"({"git_revision": "abc", "vgn_control": 1})",
+                           R"({"git_revision": "abc", "vgn_control": ["level_file_test"]})",
+                           R"({"git_revision": "abc", "vgn_control": {"level_file_test")",
+                           R"({"git_revision": "abc", "vgn_control": {"level_file_test": "Debug"}} rest)"}) {
     load(text);
     EXPECT_TRUE(untouched()) << text;
     EXPECT_TRUE(std::filesystem::exists(path)) << text;
