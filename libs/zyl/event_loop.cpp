@@ -58,7 +58,7 @@ event_base* new_event_base() {
 event_loop_t::event_loop_t() : loop_base(new_event_base()), resolver(evdns_base_new(loop_base, 1)) {}
 
 event_loop_t::~event_loop_t() {
-  stop();
+  event_loop_t::stop();
   if (resolver != nullptr) {
     evdns_base_free(resolver, 0);
   }

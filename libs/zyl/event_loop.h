@@ -15,7 +15,7 @@ event_base* new_event_base();
 class event_loop_t {
  public:
   event_loop_t();
-  ~event_loop_t();
+  virtual ~event_loop_t();
 
   event_loop_t(const event_loop_t&) = delete;
   event_loop_t& operator=(const event_loop_t&) = delete;
@@ -25,7 +25,8 @@ class event_loop_t {
   /// Runs until `stop`, also while there is no event. One stop is kept for a run that has not begun. Not restartable.
   void run();
 
-  void stop();
+  /// Ends `run` after the callbacks of its present turn. Any thread.
+  virtual void stop();
 
   /// The loop's base; lives as long as this object.
   event_base* base() const { return loop_base; }

@@ -12,7 +12,8 @@ namespace zyl {
 /// thread-safe. `event_loop_t` destroys what still waits when it ends, without running it.
 void post(event_base* base, std::function<void()> call);
 
-/// Destroys the closures that still wait on `base`, without running them. For who frees a base that no longer runs.
+/// Destroys what `base` still holds of closures, deferred calls and self-deleting timers, without running them. For who
+/// frees a base that no longer runs.
 void drop_posts(event_base* base);
 
 }  // namespace zyl

@@ -1,12 +1,10 @@
 #include "zyl/sigc_timer.h"
 
-#include <sys/time.h>
-
-#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 
 #include "zyl/exceptions.h"
+#include "zyl/timer_event.h"
 
 namespace zyl {
 
@@ -40,15 +38,8 @@ void sigc_timer_t::arm() {
   if (timeout == nullptr) {
     throw uninitialized_timer_exception_t();
   }
-  event_del(timeout);
   stopped = false;
-  const int32_t delay_ms = next_delay_ms();
-  if (delay_ms < 0) {
-    event_add(timeout, nullptr);
-    return;
-  }
-  const timeval delay{delay_ms / 1000, (delay_ms % 1000) * 1000L};
-  event_add(timeout, &delay);
+  add_timeout(timeout, next_delay_ms());
 }
 
 void sigc_timer_t::cancel() {
@@ -60,16 +51,7 @@ void sigc_timer_t::cancel() {
 
 bool sigc_timer_t::running() const { return timeout != nullptr && !stopped; }
 
-int64_t sigc_timer_t::remaining_ms() const {
-  timeval due{};
-  if (timeout == nullptr || event_pending(timeout, EV_TIMEOUT, &due) == 0) {
-    return 0;
-  }
-  timeval now{};
-  gettimeofday(&now, nullptr);
-  const int64_t left = int64_t{due.tv_sec - now.tv_sec} * 1000 + (due.tv_usec - now.tv_usec) / 1000;
-  return std::max<int64_t>(left, 0);
-}
+int64_t sigc_timer_t::remaining_ms() const { return timeout != nullptr ? zyl::remaining_ms(timeout) : 0; }
 
 void sigc_timer_t::on_timeout(evutil_socket_t /*fd*/, short /*events*/, void* self) {
   static_cast<sigc_timer_t*>(self)->expire();

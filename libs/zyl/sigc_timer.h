@@ -33,7 +33,8 @@ class sigc_timer_t {
   /// The period from the next `arm` on.
   void set_period(int32_t milliseconds) { period_ms = milliseconds; }
 
-  /// Adds a random time of `min_ms` to `max_ms`, both inclusive, to the period of every arming from now on.
+  /// Adds a random time of `min_ms` to `max_ms`, both inclusive, to the period of every arming from now on. `max_ms`
+  /// must not be less than `min_ms`; a delay that comes out negative never expires.
   void set_jitter(int32_t min_ms, int32_t max_ms);
 
   /// Whether it is armed.

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstddef>
 #include <memory>
+#include <numeric>
 #include <thread>
 #include <vector>
 
@@ -52,5 +55,47 @@ TEST(Post, AClosureThatStillWaitsDiesWithTheLoopUnrun) {
     EXPECT_EQ(held.use_count(), 2);
   }
   EXPECT_EQ(held.use_count(), 1);
+  EXPECT_EQ(*held, 0);
+}
+
+TEST(Post, TenThousandClosuresOfEightThreadsArriveInTheOrderOfEachThread) {
+  constexpr std::size_t posters = 8;
+  constexpr int each = 1250;
+  zyl::event_loop_t loop;
+  std::array<std::vector<int>, posters> arrived;
+  std::size_t total = 0;
+  std::vector<std::thread> threads;
+  for (std::size_t poster = 0; poster < posters; ++poster) {
+    threads.emplace_back([&, poster] {
+      for (int i = 0; i < each; ++i) {
+        zyl::post(loop.base(), [&, poster, i] {
+          arrived[poster].push_back(i);
+          if (++total == posters * each) {
+            loop.stop();
+          }
+        });
+      }
+    });
+  }
+  loop.run();
+  for (auto& thread : threads) {
+    thread.join();
+  }
+  std::vector<int> in_order(each);
+  std::iota(in_order.begin(), in_order.end(), 0);
+  for (const auto& of_one : arrived) {
+    EXPECT_EQ(of_one, in_order);
+  }
+}
+
+TEST(Post, DroppedClosuresAreDestroyedAndTheLoopGoesOn) {
+  zyl::event_loop_t loop;
+  const auto held = std::make_shared<int>(0);
+  zyl::post(loop.base(), [held] { ++*held; });
+  zyl::post(loop.base(), [held] { ++*held; });
+  zyl::drop_posts(loop.base());
+  EXPECT_EQ(held.use_count(), 1);
+  zyl::post(loop.base(), [&loop] { loop.stop(); });
+  loop.run();
   EXPECT_EQ(*held, 0);
 }

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace zyl {
+
+/// Gives a configuration file new content, so that no reader on the same file system ever sees half of it.
+///
+/// A file whose lines are the same already is not touched. Else the content goes to "/tmp/<last component>.tmp", which
+/// `mv` then moves to `path`: the shell sees both names as they are, so they must hold no blanks or special characters,
+/// and two writers of the same last component must not meet. The folder must exist.
+///
+/// True if the file now has the content. Else logs "Error writing config file: " and the path, and the old file stays.
+bool write_config_file(const std::string& path, const std::string& content);
+
+}  // namespace zyl

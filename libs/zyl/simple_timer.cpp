@@ -1,0 +1,34 @@
+#include "zyl/simple_timer.h"
+
+#include <utility>
+
+#include "zyl/exceptions.h"
+#include "zyl/timer_event.h"
+
+namespace zyl {
+
+void simple_timer_t::init(event_base* base, std::function<void()> on_expiry) {
+  timeout.reset(event_new(base, -1, 0, on_timeout, this));
+  callback = std::move(on_expiry);
+}
+
+void simple_timer_t::arm(int32_t interval_ms) { add_timeout(checked_event(), interval_ms); }
+
+void simple_timer_t::activate() { event_active(checked_event(), EV_TIMEOUT, 0); }
+
+void simple_timer_t::cancel() { event_del(checked_event()); }
+
+int64_t simple_timer_t::remaining_ms() const { return timeout ? zyl::remaining_ms(timeout.get()) : 0; }
+
+event* simple_timer_t::checked_event() const {
+  if (!timeout) {
+    throw uninitialized_timer_exception_t();
+  }
+  return timeout.get();
+}
+
+void simple_timer_t::on_timeout(evutil_socket_t /*fd*/, short /*events*/, void* self) {
+  static_cast<simple_timer_t*>(self)->callback();
+}
+
+}  // namespace zyl
