@@ -14,7 +14,8 @@ void simple_timer_t::init(event_base* base, std::function<void()> on_expiry) {
 
 void simple_timer_t::arm(int32_t interval_ms) { add_timeout(checked_event(), interval_ms); }
 
-void simple_timer_t::activate() { event_active(checked_event(), EV_TIMEOUT, 0); }
+// Not as EV_TIMEOUT: the time left of an event that was never armed would be asked for then, and there is none.
+void simple_timer_t::activate() { event_active(checked_event(), 0, 0); }
 
 void simple_timer_t::cancel() { event_del(checked_event()); }
 
