@@ -39,6 +39,15 @@ vid_timing_t timing_of(const timing_row_t* row) { return row != nullptr ? row->t
 
 uint32_t number_of(const timing_row_t* row) { return row != nullptr ? row->number : no_timing_number; }
 
+std::vector<vid_resolution_t> all_named(const timing_table_t& table, timing_type_t type) {
+  std::vector<vid_resolution_t> modes;
+  for (const timing_row_t* row : table.by_key()) {
+    modes.push_back(*table.named_mode(row->number));
+    modes.back().type = type;
+  }
+  return modes;
+}
+
 struct classified_row_t {
   const timing_row_t* row;
   timing_type_t type;
@@ -126,6 +135,26 @@ vid_resolution_t hdmi_resolution(int32_t vic) {
   mode.type = timing_type_t::hdmi;
   mode.location = timing_location_t::cta_hdmi_vsdb;
   return mode;
+}
+
+std::vector<vid_resolution_t> all_established() { return all_named(established_timings(), timing_type_t::established); }
+
+std::vector<vid_resolution_t> all_dmt() {
+  std::vector<vid_resolution_t> modes = all_named(dmt_timings(), timing_type_t::dmt);
+  for (vid_resolution_t& mode : modes) {
+    mode.pixel_aspect_x = 1;  // the parser takes "RB" for an aspect too; all DMT modes have square pixels
+  }
+  return modes;
+}
+
+std::vector<vid_resolution_t> all_cta() { return all_named(cta_timings(), timing_type_t::cta); }
+
+std::vector<vid_resolution_t> all_hdmi() {
+  std::vector<vid_resolution_t> modes;
+  for (const timing_row_t* row : hdmi_timings().by_key()) {
+    modes.push_back(hdmi_resolution(static_cast<int32_t>(row->number)));
+  }
+  return modes;
 }
 
 }  // namespace edid_lib

@@ -9,6 +9,10 @@
 
 namespace edid_lib {
 
+/// The words that stand behind the rate of a mode's text.
+inline constexpr std::string_view reduced_blanking_word = "RB";
+inline constexpr std::string_view preferred_word = "(preferred)";
+
 /// The family of standards that a mode's timing belongs to.
 enum class timing_type_t : uint32_t { undefined, established, dmt, gft, cvt, cta, hdmi };
 

@@ -19,9 +19,6 @@
 namespace edid_lib {
 namespace {
 
-constexpr std::string_view reduced_blanking_word = "RB";
-constexpr std::string_view preferred_word = "(preferred)";
-
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 bool contains_word(std::string_view text, std::string_view word) {
