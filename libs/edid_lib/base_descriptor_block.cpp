@@ -1,5 +1,7 @@
 #include "edid_lib/base_descriptor_block.h"
 
+#include <algorithm>
+
 #include "edid_lib/visitor.h"
 
 namespace edid_lib {
@@ -8,6 +10,7 @@ namespace {
 constexpr std::size_t descriptor_size = 18;
 constexpr std::size_t tag_offset = 3;
 constexpr std::size_t text_offset = 5;
+constexpr std::size_t longest_text = 12;
 
 }  // namespace
 
@@ -37,10 +40,33 @@ std::string_view base_descriptor_block_t::name() const {
   }
 }
 
+base_descriptor_block_t::base_descriptor_block_t(uint32_t block_offset, std::span<const uint8_t> block_bytes,
+                                                 uint8_t text_tag)
+    : base_descriptor_block_t(block_offset, block_bytes) {
+  if (block_bytes.size() <= tag_offset) {
+    std::fill_n(data.begin(), text_offset, uint8_t{0});
+    std::fill(data.begin() + text_offset, data.end(), uint8_t{' '});
+    data[tag_offset] = text_tag;
+  }
+}
+
 std::string base_descriptor_block_t::text_field() const {
+  if (data.size() <= text_offset) {
+    return {};
+  }
   std::string text(data.begin() + text_offset, data.end());
   text.resize(text.find_last_not_of(" \t\n\v\f\r") + 1);
   return text;
+}
+
+void base_descriptor_block_t::set_text_field(std::string_view text) {
+  if (data.size() <= text_offset) {
+    return;
+  }
+  const std::string_view stored = text.substr(0, longest_text);
+  const auto end = std::copy(stored.begin(), stored.end(), data.begin() + text_offset);
+  *end = '\n';
+  std::fill(end + 1, data.end(), uint8_t{' '});
 }
 
 void base_descriptor_block_t::accept(visitor_t* visitor, bool forward) {

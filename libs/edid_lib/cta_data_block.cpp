@@ -1,6 +1,10 @@
 #include "edid_lib/cta_data_block.h"
 
+#include <algorithm>
+
+#include "edid_lib/cta_audio_data_block.h"
 #include "edid_lib/cta_extended_data_blocks.h"
+#include "edid_lib/cta_hdmi_vsdb.h"
 #include "edid_lib/cta_vendor_data_blocks.h"
 #include "edid_lib/cta_video_data_block.h"
 #include "edid_lib/visitor.h"
@@ -8,6 +12,8 @@
 namespace edid_lib {
 namespace {
 
+constexpr uint8_t tag_shift = 5;
+constexpr uint8_t length_mask = 0x1F;
 constexpr uint8_t speaker_tag = 4;
 constexpr uint8_t vesa_transfer_characteristic_tag = 5;
 
@@ -21,11 +27,6 @@ std::unique_ptr<cta_data_block_t> make_vendor_data_block(std::span<const uint8_t
     default:
       return block;
   }
-}
-
-/// Extended tags that CTA-861 gives a meaning.
-bool is_known_extended_tag(uint8_t extended_tag) {
-  return extended_tag <= 7 || (extended_tag >= 13 && extended_tag <= 20) || extended_tag == 32;
 }
 
 std::unique_ptr<cta_data_block_t> make_extended_data_block(std::span<const uint8_t> block_bytes) {
@@ -47,6 +48,20 @@ std::unique_ptr<cta_data_block_t> make_extended_data_block(std::span<const uint8
 }
 
 }  // namespace
+
+cta_data_block_t::cta_data_block_t(uint8_t block_tag, std::size_t block_size) {
+  data.push_back(static_cast<uint8_t>(block_tag << tag_shift));
+  resize(block_size);
+}
+
+void cta_data_block_t::resize(std::size_t new_size, uint8_t padding) {
+  data.resize(new_size, padding);
+  if (new_size - 1 < largest_size) {
+    set_bits(0, length_mask, static_cast<uint8_t>(new_size - 1));
+  }
+}
+
+void cta_data_block_t::grow(std::size_t least) { resize(std::max(size(), least)); }
 
 std::string_view cta_data_block_t::name() const {
   switch (tag()) {
@@ -73,14 +88,11 @@ void cta_data_block_t::accept(visitor_t* visitor, bool forward) {
   }
 }
 
-void cta_audio_data_block_t::accept(visitor_t* visitor, bool forward) {
-  if (visitor != nullptr) {
-    visitor->visit(this, forward);
-  }
-}
-
 std::unique_ptr<cta_data_block_t> make_cta_data_block(std::span<const uint8_t> block_bytes) {
-  switch (block_bytes.front() >> 5) {
+  if (block_bytes.empty()) {
+    return nullptr;
+  }
+  switch (block_bytes.front() >> tag_shift) {
     case cta_audio_data_block_t::own_tag:
       return std::make_unique<cta_audio_data_block_t>(block_bytes);
     case cta_video_data_block_t::own_tag:

@@ -7,13 +7,19 @@
 namespace edid_lib {
 
 /// A data block of the CTA extension (CTA-861, section 7.5): its first byte has the tag in bits 5 to 7 and the length
-/// of what follows in bits 0 to 4.
+/// of what follows in bits 0 to 4. `size()` counts the first byte, too.
 class cta_data_block_t : public edid_block_t {
  public:
+  static constexpr std::size_t largest_size = 32;
+
   explicit cta_data_block_t(std::span<const uint8_t> block_bytes) : edid_block_t(block_bytes) {}
 
   /// The bytes that a block takes, the first included, as its first byte tells.
   static std::size_t told_size(uint8_t first_byte) { return (first_byte & 0x1FU) + 1; }
+
+  /// Makes the block `new_size` bytes long, with `padding` for new ones, and tells so in the first byte, unless it has
+  /// no room for the number.
+  void resize(std::size_t new_size, uint8_t padding = 0);
 
   virtual uint8_t tag() const { return first_byte_tag(); }
 
@@ -25,21 +31,17 @@ class cta_data_block_t : public edid_block_t {
   void accept(visitor_t* visitor, bool forward) override;
 
  protected:
+  /// A block of `block_size` bytes, all 0 behind the first.
+  cta_data_block_t(uint8_t block_tag, std::size_t block_size);
+
   uint8_t first_byte_tag() const { return byte(0) >> 5; }
+
+  /// Makes the block at least `least` bytes long.
+  void grow(std::size_t least);
 };
 
-/// Tag 1: short audio descriptors.
-class cta_audio_data_block_t final : public cta_data_block_t {
- public:
-  static constexpr uint8_t own_tag = 1;
-  using cta_data_block_t::cta_data_block_t;
-
-  uint8_t tag() const override { return own_tag; }
-  void accept(visitor_t* visitor, bool forward) override;
-};
-
-/// The data block object for the tag, and the IEEE or extended tag behind it, in `block_bytes`, which have at least one
-/// byte. Null for tags that mean nothing.
+/// The data block object for the tag, and the IEEE or extended tag behind it, in `block_bytes`. Null for tags that mean
+/// nothing, and without bytes.
 std::unique_ptr<cta_data_block_t> make_cta_data_block(std::span<const uint8_t> block_bytes);
 
 }  // namespace edid_lib

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "edid_lib/cta_data_block.h"
+#include "edid_lib/cta_extended_data_blocks.h"
 #include "edid_lib/det_timings_block.h"
 #include "edid_lib/edid_block.h"
 
@@ -13,18 +14,30 @@ namespace edid_lib {
 ///
 ///     0    tag 2, revision 3
 ///     2    d, the offset of the first detailed timing; 0 or 4 without data blocks
-///     3    bits 0 to 3: number of native detailed timings
+///     3    bit 7 underscan, 6 basic audio, 5 YCC 4:4:4, 4 YCC 4:2:2, bits 0 to 3: number of native detailed timings
 ///     4    data blocks, up to d
 ///     d    detailed timings, 18 bytes each
 ///     127  checksum
 ///
 /// Tag and revision are put right, the checksum is not looked at. There are detailed timings if the byte at d is not 0,
 /// so a first timing whose clock is a multiple of 2.56 MHz hides them all (a 2560x1440 display at 640 MHz does).
+/// Data blocks and detailed timings have copies of their bytes, which find their way back in `assemble`.
 class cta_extension_t final : public extension_block_t {
  public:
   static constexpr uint8_t own_tag = 2;
 
+  /// Without data blocks and detailed timings.
+  cta_extension_t();
   explicit cta_extension_t(std::span<const uint8_t> extension_bytes);
+  ~cta_extension_t() override = default;
+
+  cta_extension_t(const cta_extension_t& other);
+  cta_extension_t& operator=(const cta_extension_t& other);
+  cta_extension_t(cta_extension_t&&) = default;
+  cta_extension_t& operator=(cta_extension_t&&) = default;
+
+  /// Back to an extension without data blocks and detailed timings.
+  void reset() override;
 
   uint8_t tag() const override { return own_tag; }
   bool valid() const override;
@@ -33,12 +46,52 @@ class cta_extension_t final : public extension_block_t {
   /// The backward pass, too, shows the data blocks in the order of the list.
   void accept(visitor_t* visitor, bool forward) override;
 
-  /// Number of native detailed timings, those of the base block included.
+  uint8_t revision() const { return byte(1); }
+
+  /// Offset of the first detailed timing, as the bytes tell.
+  uint8_t detailed_offset() const { return byte(2); }
+
+  bool underscan() const { return has_mask(3, 0x80); }
+  void set_underscan(bool on) { set_mask(3, 0x80, on); }
+  bool basic_audio() const { return has_mask(3, 0x40); }
+  void set_basic_audio(bool on) { set_mask(3, 0x40, on); }
+  bool ycc_444() const { return has_mask(3, 0x20); }
+  void set_ycc_444(bool on) { set_mask(3, 0x20, on); }
+  bool ycc_422() const { return has_mask(3, 0x10); }
+  void set_ycc_422(bool on) { set_mask(3, 0x10, on); }
+
+  /// Number of native detailed timings, those of the base block included; 0 to 15.
   uint8_t native_count() const { return byte(3) & 0x0F; }
+  void set_native_count(uint8_t count) { set_bits(3, 0x0F, count); }
 
   const std::vector<std::unique_ptr<cta_data_block_t>>& data_blocks() const { return blocks; }
 
+  /// Appends a data block. `refresh_offset` and `assemble` see it.
+  void add_block(std::unique_ptr<cta_data_block_t> block);
+
+  /// The first data block of a tag, owned by this extension; null if there is none.
+  cta_data_block_t* find_block(uint8_t block_tag) const;
+  cta_extended_data_block_t* find_extended_block(uint8_t extended_tag) const;
+  bool has_block(uint8_t block_tag) const { return find_block(block_tag) != nullptr; }
+  bool has_extended_block(uint8_t extended_tag) const { return find_extended_block(extended_tag) != nullptr; }
+
+  /// The detailed timings; null if there are none.
+  const det_timings_block_t* detailed_timings() const { return detailed_block.get(); }
+
+  /// The detailed timings, made with the room behind the data blocks if there were none. Those have their offset in the
+  /// EDID, others the one in this block.
+  det_timings_block_t& detailed();
+
+  /// Sets the offset of the first detailed timing to what the data blocks tell of their lengths; without any to 4 if
+  /// there are detailed timings, else to 0.
+  void refresh_offset();
+
+  /// The 128 bytes that the data blocks and detailed timings make, with their offset and the checksum right. What is
+  /// too much is left out: data blocks that do not fit as a whole, then detailed timings from the last on.
+  std::vector<uint8_t> assemble() const;
+
  private:
+  void repair();
   void parse_data_blocks();
   void parse_detailed();
 

@@ -37,6 +37,27 @@ void cta_video_data_block_t::accept(visitor_t* visitor, bool forward) {
   }
 }
 
+void cta_video_data_block_t::clear() { resize(1); }
+
+bool cta_video_data_block_t::add(const vid_resolution_t& mode) {
+  const uint32_t vic = has_room() ? cta_vic(mode) : no_timing_number;
+  if (vic == no_timing_number) {
+    return false;
+  }
+  resize(size() + 1, static_cast<uint8_t>(vic));
+  return true;
+}
+
+std::optional<cta_video_data_block_t::position_t> cta_video_data_block_t::contains(const vid_resolution_t& mode) const {
+  const uint32_t vic = cta_vic(mode);
+  for (std::size_t i = 1; i < data.size(); ++i) {
+    if (code_of(data[i]) == vic) {
+      return position_t{i - 1, is_native(data[i])};
+    }
+  }
+  return std::nullopt;
+}
+
 std::vector<vid_resolution_t> cta_video_data_block_t::modes() const {
   std::vector<vid_resolution_t> found;
   for (std::size_t i = 1; i < data.size(); ++i) {

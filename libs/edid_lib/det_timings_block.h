@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "edid_lib/detailed_entry.h"
 #include "edid_lib/edid_block.h"
 #include "edid_lib/vid_resolution.h"
 
@@ -17,10 +18,10 @@ namespace edid_lib {
 ///     11   the upper two bits of these four
 ///     12   image width, height in mm; 14: their upper nibbles
 ///     15   horizontal border, vertical border
-///     17   bit 7 interlaced, bit 2 positive vertical sync, bit 1 positive horizontal sync
+///     17   bit 7 interlaced, bits 3 and 4 separate sync, bit 2 positive vertical, bit 1 positive horizontal sync
 class det_timings_block_t final : public edid_block_t {
  public:
-  static constexpr std::size_t entry_size = 18;
+  static constexpr std::size_t entry_size = detailed_entry_size;
 
   /// `block_offset` is the position in the block around it. The bytes are cut, or padded with 1, to `entries` entries.
   det_timings_block_t(std::span<const uint8_t> block_bytes, uint32_t block_offset, uint32_t entries);
@@ -31,11 +32,27 @@ class det_timings_block_t final : public edid_block_t {
   uint32_t offset() const { return position; }
   uint32_t capacity() const { return room; }
 
+  /// Makes room for `entries`. New ones are padding, in use until the block is cleared.
+  void set_capacity(uint32_t entries);
+
+  /// The 18 bytes of an entry, whether or not it is a timing; none beyond the last. They live as long as this block is
+  /// not changed.
+  std::span<const uint8_t> on_get(std::size_t index) const;
+
+  /// Number of entries with a clock.
+  std::size_t count() const;
+
   /// The modes of the entries that are timings, in their order. Entries without clock or sync pulse, or smaller than 64
   /// by 64, are not.
   std::vector<vid_resolution_t> modes() const;
 
+  /// Writes `mode` behind the entries in use, of which there are `count()`. False without change if there is no room
+  /// left, or `encode_detailed_entry` has no entry for it.
+  bool add(const vid_resolution_t& mode);
+
  private:
+  detailed_entry_view_t entry(std::size_t index) const;
+
   uint32_t position;
   uint32_t room;
 };

@@ -27,8 +27,8 @@ edid_t::edid_t(std::vector<uint8_t> edid_bytes) {
 
 edid_t::edid_t(const edid_t& other)
     : edid_block_t(other),
-      base_block(other.base_block ? std::make_unique<edid_base_t>(other.base_block->bytes()) : nullptr),
-      extension(other.extension ? std::make_unique<cta_extension_t>(other.extension->bytes()) : nullptr) {}
+      base_block(other.base_block ? std::make_unique<edid_base_t>(*other.base_block) : nullptr),
+      extension(other.extension ? std::make_unique<cta_extension_t>(*other.extension) : nullptr) {}
 
 edid_t& edid_t::operator=(const edid_t& other) {
   if (this != &other) {
@@ -36,6 +36,16 @@ edid_t& edid_t::operator=(const edid_t& other) {
   }
   return *this;
 }
+
+cta_extension_t* edid_t::ensure_cta() {
+  if (base_block != nullptr && extension == nullptr) {
+    extension = std::make_unique<cta_extension_t>();
+    base_block->set_extension_count(1);
+  }
+  return extension.get();
+}
+
+void edid_t::reset() { *this = edid_t(); }
 
 bool edid_t::valid() const {
   return base_block != nullptr && base_block->valid() && (extension == nullptr || extension->valid());
@@ -54,6 +64,18 @@ void edid_t::accept(visitor_t* visitor, bool forward) {
   accept_part(extension.get(), visitor, forward);
   accept_part(base_block.get(), visitor, forward);
   visitor->visit(this, forward);
+}
+
+std::vector<uint8_t> edid_t::assemble() const {
+  if (base_block == nullptr) {
+    return {};
+  }
+  std::vector<uint8_t> whole = base_block->assemble(extension != nullptr ? 1 : 0);
+  if (extension != nullptr) {
+    const std::vector<uint8_t> second = extension->assemble();
+    whole.insert(whole.end(), second.begin(), second.end());
+  }
+  return whole;
 }
 
 }  // namespace edid_lib

@@ -10,7 +10,8 @@
 namespace edid_lib {
 
 /// An EDID: its base block and, if the block behind it is one, its CTA extension. Parsing repairs and never refuses,
-/// any number of bytes will do. Further and other extensions are dropped. Copies are independent of each other.
+/// any number of bytes will do. Further and other extensions are dropped. Its own bytes are those that it was made
+/// from, whatever becomes of the parts. Copies are independent of each other.
 class edid_t final : public edid_block_t {
  public:
   /// No bytes, no base block, no extension.
@@ -27,10 +28,20 @@ class edid_t final : public edid_block_t {
   edid_base_t* base() const { return base_block.get(); }
   cta_extension_t* cta() const { return extension.get(); }
 
+  /// The CTA extension, made empty and told in the base block if there was none. Null without a base block.
+  cta_extension_t* ensure_cta();
+
+  /// Back to no bytes and no parts.
+  void reset() override;
+
   /// Whether there is a base block and all there is, is valid.
   bool valid() const override;
   std::string_view name() const override { return "EDID"; }
   void accept(visitor_t* visitor, bool forward) override;
+
+  /// The bytes of the EDID that the parts make: one or two blocks of 128, with the number of extensions and the
+  /// checksums right. None without a base block.
+  std::vector<uint8_t> assemble() const;
 
  private:
   std::unique_ptr<edid_base_t> base_block;

@@ -1,7 +1,6 @@
 #include "edid_lib/edid_base.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "edid_lib/visitor.h"
 
@@ -9,48 +8,82 @@ namespace edid_lib {
 namespace {
 
 constexpr std::size_t block_size = 128;
-constexpr uint8_t header[] = {0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00};
-
 constexpr uint8_t version_at = 18;
 constexpr uint8_t revision_at = 19;
-constexpr uint8_t input_at = 20;
-constexpr uint8_t digital_mask = 0x80;
-constexpr uint8_t features_at = 24;
-constexpr uint8_t preferred_native_mask = 0x2;
-constexpr uint8_t color_type_shift = 3;
-constexpr uint8_t color_type_mask = 3 << color_type_shift;
-
 constexpr std::size_t established_at = 35;
 constexpr std::size_t standard_at = 38;
 constexpr std::size_t detailed_at = 54;
 constexpr std::size_t second_detailed_at = 72;
 constexpr std::size_t descriptors_end = 126;
+constexpr std::size_t extension_count_at = 126;
+constexpr std::size_t checksum_at = 127;
+
 constexpr std::size_t entry_size = det_timings_block_t::entry_size;
+constexpr uint32_t most_timings = 2;
+constexpr std::size_t descriptor_tag_at = 3;
+constexpr uint8_t dummy_tag = 0x10;
 
-/// The two colour type bits of byte 24 by colour type, in place.
-struct color_bits_t {
-  uint8_t edid_1_3;
-  uint8_t edid_1_4;
-};
+/// Copies `part` to `at`, as much of it as there is room for in front of `end`.
+void put(std::vector<uint8_t>& whole, std::size_t at, std::size_t end, std::span<const uint8_t> part) {
+  if (at < end) {
+    std::copy_n(part.begin(), std::min(part.size(), end - at), whole.begin() + static_cast<std::ptrdiff_t>(at));
+  }
+}
 
-constexpr color_bits_t color_bits[] = {{0, 0}, {8, 0}, {16, 0}, {8, 8}, {8, 16}, {8, 24}};
-constexpr color_bits_t undefined_color_bits = {8, 0};
-constexpr uint8_t color_type_of_any_version = 3;
+/// Zeros for a timing would read as a descriptor that the manufacturer defines.
+void mark_unused_entries(std::vector<uint8_t>& whole) {
+  for (std::size_t at = detailed_at; at < descriptors_end; at += entry_size) {
+    const auto entry = std::span(whole).subspan(at, entry_size);
+    if (std::all_of(entry.begin(), entry.end(), [](uint8_t byte) { return byte == 0; })) {
+      entry[descriptor_tag_at] = dummy_tag;
+    }
+  }
+}
 
 }  // namespace
 
+edid_base_t::edid_base_t()
+    : established_timings({}), standard_timings({}), detailed_timings({}, detailed_at, most_timings) {}
+
 edid_base_t::edid_base_t(std::span<const uint8_t> edid_bytes)
     : edid_block_t(edid_bytes.first(std::min(edid_bytes.size(), block_size))),
-      established({}),
-      standard({}),
-      detailed({}, detailed_at, 2) {
+      established_timings({}),
+      standard_timings({}),
+      detailed_timings({}, detailed_at, most_timings) {
   data.resize(block_size, 0);
   repair();
   parse_blocks();
 }
 
+edid_base_t::edid_base_t(const edid_base_t& other)
+    : edid_block_t(other),
+      established_timings(other.established_timings),
+      standard_timings(other.standard_timings),
+      detailed_timings(other.detailed_timings) {
+  for (const auto& descriptor : other.descriptor_list) {
+    descriptor_list.push_back(make_base_descriptor(descriptor->offset(), descriptor->bytes()));
+  }
+}
+
+edid_base_t& edid_base_t::operator=(const edid_base_t& other) {
+  if (this != &other) {
+    *this = edid_base_t(other);
+  }
+  return *this;
+}
+
+void edid_base_t::reset() {
+  data.assign(block_size, 0);
+  repair();
+  established_timings = est_timings_block_t({});
+  standard_timings = std_timings_block_t({});
+  detailed_timings = det_timings_block_t({}, detailed_at, most_timings);
+  detailed_timings.clear();
+  descriptor_list.clear();
+}
+
 void edid_base_t::repair() {
-  std::copy(std::begin(header), std::end(header), data.begin());
+  set_header();
   if (version() != 1 && version() != 2) {
     set_byte(version_at, 1);
   }
@@ -58,25 +91,31 @@ void edid_base_t::repair() {
     set_byte(revision_at, 3);
     on_revision_change();
   }
-  or_mask(input_at, digital_mask);
-  or_mask(features_at, preferred_native_mask);
+  set_digital_input(true);
+  set_preferred_native(true);
 }
 
 void edid_base_t::parse_blocks() {
   const std::span<const uint8_t> all(data);
-  established = est_timings_block_t(all.subspan(established_at, standard_at - established_at));
-  standard = std_timings_block_t(all.subspan(standard_at, detailed_at - standard_at));
+  established_timings = est_timings_block_t(all.subspan(established_at, standard_at - established_at));
+  standard_timings = std_timings_block_t(all.subspan(standard_at, detailed_at - standard_at));
   // A descriptor has zeros where a timing has its clock.
   const bool two_timings = data[second_detailed_at] != 0 || data[second_detailed_at + 1] != 0;
-  const uint32_t timings = two_timings ? 2 : 1;
-  detailed = det_timings_block_t(all.subspan(detailed_at, timings * entry_size), detailed_at, timings);
+  const uint32_t timings = two_timings ? most_timings : 1;
+  detailed_timings = det_timings_block_t(all.subspan(detailed_at, timings * entry_size), detailed_at, timings);
   for (std::size_t at = detailed_at + timings * entry_size; at < descriptors_end; at += entry_size) {
-    descriptor_list.push_back(make_base_descriptor(static_cast<uint32_t>(at), all.subspan(at, entry_size)));
+    add_descriptor(make_base_descriptor(static_cast<uint32_t>(at), all.subspan(at, entry_size)));
+  }
+}
+
+void edid_base_t::add_descriptor(std::unique_ptr<base_descriptor_block_t> descriptor) {
+  if (descriptor != nullptr) {
+    descriptor_list.push_back(std::move(descriptor));
   }
 }
 
 bool edid_base_t::valid() const {
-  return has_mask(features_at, preferred_native_mask) && established.valid() &&
+  return preferred_native() && established_timings.valid() &&
          std::all_of(descriptor_list.begin(), descriptor_list.end(), [](const auto& block) { return block->valid(); });
 }
 
@@ -86,48 +125,34 @@ void edid_base_t::accept(visitor_t* visitor, bool forward) {
   }
   if (forward) {
     visitor->visit(this, forward);
-    established.accept(visitor, forward);
-    standard.accept(visitor, forward);
-    detailed.accept(visitor, forward);
+    established_timings.accept(visitor, forward);
+    standard_timings.accept(visitor, forward);
+    detailed_timings.accept(visitor, forward);
     std::for_each(descriptor_list.begin(), descriptor_list.end(),
                   [&](const auto& block) { block->accept(visitor, forward); });
     return;
   }
   std::for_each(descriptor_list.rbegin(), descriptor_list.rend(),
                 [&](const auto& block) { block->accept(visitor, forward); });
-  detailed.accept(visitor, forward);
-  standard.accept(visitor, forward);
-  established.accept(visitor, forward);
+  detailed_timings.accept(visitor, forward);
+  standard_timings.accept(visitor, forward);
+  established_timings.accept(visitor, forward);
   visitor->visit(this, forward);
 }
 
-bool edid_base_t::is_version(uint8_t version_number, uint8_t revision_number) const {
-  return version() == version_number && revision() == revision_number;
-}
-
-void edid_base_t::on_revision_change() {
-  if (is_version(1, 3)) {
-    and_mask(input_at, digital_mask | 1);
-    set_color_type(color_type());
+std::vector<uint8_t> edid_base_t::assemble(uint8_t extensions) const {
+  std::vector<uint8_t> whole = data;
+  whole.resize(block_size, 0);
+  put(whole, established_at, standard_at, established_timings.bytes());
+  put(whole, standard_at, detailed_at, standard_timings.bytes());
+  put(whole, detailed_timings.offset(), descriptors_end, detailed_timings.bytes());
+  for (const auto& descriptor : descriptor_list) {
+    put(whole, descriptor->offset(), descriptors_end, descriptor->bytes());
   }
-}
-
-uint8_t edid_base_t::color_type() const {
-  const auto bits = static_cast<uint8_t>((byte(features_at) & color_type_mask) >> color_type_shift);
-  if (is_version(1, 3)) {
-    return bits < 3 ? bits : uint8_t{6};
-  }
-  return bits == 0 ? uint8_t{1} : static_cast<uint8_t>(bits + 2);
-}
-
-void edid_base_t::set_color_type(uint8_t type) {
-  and_mask(features_at, static_cast<uint8_t>(~color_type_mask));
-  const color_bits_t bits = type < std::size(color_bits) ? color_bits[type] : undefined_color_bits;
-  if (is_version(1, 3) || type == color_type_of_any_version) {
-    or_mask(features_at, bits.edid_1_3);
-  } else if (is_version(1, 4)) {
-    or_mask(features_at, bits.edid_1_4);
-  }
+  mark_unused_entries(whole);
+  whole[extension_count_at] = extensions;
+  whole[checksum_at] = checksum_of(whole, checksum_at);
+  return whole;
 }
 
 }  // namespace edid_lib

@@ -7,8 +7,20 @@ namespace edid_lib {
 namespace {
 
 constexpr std::size_t block_size = 3;
-constexpr uint32_t index_in_third_byte = 16;
-constexpr uint8_t mask_in_third_byte = 0x80;
+
+struct bit_t {
+  uint8_t byte;
+  uint8_t mask;
+};
+
+/// The bits count from the lowest, but the third byte has only its highest.
+bit_t bit_of(uint32_t index) {
+  constexpr uint32_t index_in_third_byte = 16;
+  if (index == index_in_third_byte) {
+    return {2, 0x80};
+  }
+  return {static_cast<uint8_t>(index / 8), static_cast<uint8_t>(1U << index % 8)};
+}
 
 }  // namespace
 
@@ -16,10 +28,12 @@ est_timings_block_t::est_timings_block_t(std::span<const uint8_t> block_bytes) :
   data.resize(block_size, 0);
 }
 
-bool est_timings_block_t::valid() const {
+const vid_resolution_t& est_timings_block_t::required_mode() {
   static const vid_resolution_t required("640x480@60");
-  return contains(required);
+  return required;
 }
+
+bool est_timings_block_t::valid() const { return contains(required_mode()); }
 
 void est_timings_block_t::accept(visitor_t* visitor, bool forward) {
   if (visitor != nullptr) {
@@ -28,15 +42,20 @@ void est_timings_block_t::accept(visitor_t* visitor, bool forward) {
 }
 
 bool est_timings_block_t::has_index(uint32_t index) const {
-  if (index == index_in_third_byte) {
-    return has_mask(2, mask_in_third_byte);
-  }
-  return has_mask(static_cast<uint8_t>(index / 8), static_cast<uint8_t>(1U << index % 8));
+  const bit_t bit = bit_of(index);
+  return has_mask(bit.byte, bit.mask);
 }
 
 bool est_timings_block_t::contains(const vid_resolution_t& mode) const {
   const timing_row_t* row = established_timings().find(mode);
   return row != nullptr && has_index(row->number);
+}
+
+void est_timings_block_t::set(const vid_resolution_t& mode, bool on) {
+  if (const timing_row_t* row = established_timings().find(mode)) {
+    const bit_t bit = bit_of(row->number);
+    set_mask(bit.byte, bit.mask, on);
+  }
 }
 
 std::vector<vid_resolution_t> est_timings_block_t::modes() const {

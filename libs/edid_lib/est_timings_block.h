@@ -14,13 +14,19 @@ class est_timings_block_t final : public edid_block_t {
   /// Always 3 bytes: short input is padded with 0, longer input cut.
   explicit est_timings_block_t(std::span<const uint8_t> block_bytes);
 
-  /// Whether 640x480@60 is there, which every display must show.
+  /// 640x480@60, which every display must show.
+  static const vid_resolution_t& required_mode();
+
+  /// Whether the required mode is there.
   bool valid() const override;
   std::string_view name() const override { return "Established Timings"; }
   void accept(visitor_t* visitor, bool forward) override;
 
   /// Whether the bit of `mode` is set; false for a mode that has none.
   bool contains(const vid_resolution_t& mode) const;
+
+  /// Sets or clears the bit of `mode`; nothing for a mode that has none.
+  void set(const vid_resolution_t& mode, bool on);
 
   /// The modes whose bits are set, in the order of their keys, with computed rates.
   std::vector<vid_resolution_t> modes() const;

@@ -15,6 +15,8 @@ class std_timings_block_t final : public edid_block_t {
   /// Always 16 bytes: short input is padded with 1, longer input cut.
   explicit std_timings_block_t(std::span<const uint8_t> block_bytes);
 
+  /// Makes all codes unused.
+  void clear() override;
   std::string_view name() const override { return "Standard Timings"; }
   void accept(visitor_t* visitor, bool forward) override;
 
@@ -24,6 +26,16 @@ class std_timings_block_t final : public edid_block_t {
   /// The modes of the codes in use, in their order. Codes that mean no DMT mode are left out. With `reduced_first` the
   /// form with reduced blanking is preferred where DMT has one.
   std::vector<vid_resolution_t> modes(uint32_t revision, bool reduced_first) const;
+
+  /// Whether a code means `mode`, read as those of revision 3 with the mode's own preference for reduced blanking.
+  bool contains(const vid_resolution_t& mode) const;
+
+  /// Puts the code of `mode` into the first unused place, unless it is there already. False without change if all eight
+  /// are in use or no code means the mode: its shape, size or rate does not fit, or DMT does not know it.
+  bool add(const vid_resolution_t& mode);
+
+  /// Makes the codes that mean `mode` unused. False if there are none.
+  bool remove(const vid_resolution_t& mode);
 };
 
 }  // namespace edid_lib

@@ -2,7 +2,12 @@
 
 #include <algorithm>
 
+#include <iterator>
+#include <utility>
+
+#include "edid_lib/timing_lookup.h"
 #include "edid_lib/visitor_modes.h"
+#include "edid_lib/visitor_renderer.h"
 
 namespace edid_lib {
 namespace {
@@ -10,8 +15,25 @@ namespace {
 constexpr float highest_fps = 60.5F;
 constexpr float lowest_fps = 23.5F;
 
-bool passes(const std::vector<std::unique_ptr<resolution_filter>>& filters, const vid_resolution_t& mode) {
-  return std::all_of(filters.begin(), filters.end(), [&](const auto& one) { return one->accept(mode); });
+constexpr std::string_view reason_texts[] = {
+    "No Format Detected",         "Interlaced Video Format",    "Unsupported Pixel Size",
+    "Below Min Supported Format", "Above Max Supported Format", "Below Min Supported FPS",
+    "Above Max Supported FPS",    "Not Supported on Hardware",  "Unsupported Color Encoding",
+};
+
+using chain_t = std::vector<std::unique_ptr<resolution_filter>>;
+
+/// The name of the first that refuses; empty if none does.
+std::string_view first_refusal(const chain_t& filters, const vid_resolution_t& mode) {
+  const auto refusing =
+      std::find_if(filters.begin(), filters.end(), [&](const auto& one) { return !one->accept(mode); });
+  return refusing != filters.end() ? (*refusing)->name() : std::string_view();
+}
+
+std::vector<vid_resolution_t> modes_of(edid_t& edid) {
+  visitor_modes_t visitor;
+  visitor.read(&edid);
+  return visitor.take_modes();
 }
 
 }  // namespace
@@ -46,19 +68,56 @@ tarn_filter_resolution_t::chain_t tarn_filter_resolution_t::chain() const {
   return filters;
 }
 
-bool tarn_filter_resolution_t::accepts(const vid_resolution_t& mode) const { return passes(chain(), mode); }
+std::string_view tarn_filter_resolution_t::refused_by(const vid_resolution_t& mode) const {
+  return first_refusal(chain(), mode);
+}
 
 void tarn_filter_resolution_t::filter(std::vector<vid_resolution_t>& modes) const {
   const chain_t filters = chain();
-  std::erase_if(modes, [&](const vid_resolution_t& mode) { return !passes(filters, mode); });
+  std::erase_if(modes, [&](const vid_resolution_t& mode) { return !first_refusal(filters, mode).empty(); });
 }
 
 std::vector<vid_resolution_t> tarn_filter_resolution_t::modes(edid_t& edid) const {
-  visitor_modes_t visitor;
-  visitor.read(&edid);
-  std::vector<vid_resolution_t> usable = visitor.take_modes();
+  std::vector<vid_resolution_t> usable = modes_of(edid);
   filter(usable);
   return usable;
+}
+
+edid_t tarn_filter_resolution_t::filtered_edid(const edid_t& edid) const {
+  edid_t filtered(edid);
+  std::vector<vid_resolution_t> usable = modes(filtered);
+  if (usable.empty()) {
+    usable.emplace_back(established_timing(vid_resolution_t(mode_of_every_display)));
+  }
+  visitor_modes_t writer(std::move(usable));
+  writer.write(&filtered);
+  return filtered;
+}
+
+std::string tarn_filter_resolution_t::report(edid_t& edid) const {
+  visitor_renderer_t renderer;
+  renderer.read(&edid);
+  std::string text = renderer.text() + "Modes\n";
+  const chain_t filters = chain();
+  for (const vid_resolution_t& mode : modes_of(edid)) {
+    const std::string_view refusal = first_refusal(filters, mode);
+    text += "  " + mode.list_text() + ": ";
+    text += refusal.empty() ? "accepted" : "refused by " + std::string(refusal);
+    text += '\n';
+  }
+  return text;
+}
+
+std::string_view tarn_filter_resolution_t::reason_text(refusal_reason_t reason) {
+  const auto index = static_cast<uint32_t>(reason);
+  return index < std::size(reason_texts) ? reason_texts[index] : std::string_view();
+}
+
+tarn_filter_resolution_t output_connection_filter() {
+  tarn_filter_resolution_t filter;
+  filter.max_resolution = vid_resolution_t(greatest_output_mode);
+  filter.min_resolution = vid_resolution_t(least_output_mode);
+  return filter;
 }
 
 }  // namespace edid_lib

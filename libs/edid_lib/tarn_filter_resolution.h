@@ -1,17 +1,43 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
+#include "edid_lib/edid.h"
 #include "edid_lib/resolution_filters.h"
 #include "edid_lib/vid_resolution.h"
 
 namespace edid_lib {
 
-class edid_t;
+/// The default modes: the limits of what the outputs show, and what every display shows.
+inline constexpr std::string_view greatest_output_mode = "3840x2160@60";
+inline constexpr std::string_view least_output_mode = "640x480@59.94";
+inline constexpr std::string_view mode_of_every_display = "640x480@60";
+
+/// Where lists of modes and ready-made EDIDs are kept on the appliance. Nothing opens them yet.
+inline constexpr std::string_view supported_resolutions_file = "supported_resolutions.json";
+inline constexpr std::string_view unsupported_resolutions_file = "unsupported_resolutions.json";
+inline constexpr std::string_view user_edid_directory = "/media/media/EDIDs/";
+inline constexpr std::string_view system_edid_directory = "/usr/zyl/EDIDs/";
+inline constexpr std::string_view edid_file_4k60 = "4k60.zedid";
 
 /// Whose modes a chain of filters is for.
 enum class filter_direction_t : uint32_t { neither, input, output };
+
+/// Why video is not shown, by the number that the video path gives.
+enum class refusal_reason_t : uint32_t {
+  no_format,
+  interlaced,
+  pixel_size,
+  below_min_format,
+  above_max_format,
+  below_min_fps,
+  above_max_fps,
+  hardware,
+  color_encoding,
+};
 
 /// Which modes the appliance can use: the configuration of a chain of filters. A mode passes if every filter accepts
 /// it. Nominal rates outside 23.5 to 60.5 never pass.
@@ -23,7 +49,10 @@ struct tarn_filter_resolution_t {
   std::vector<vid_resolution_t> unsupported;  ///< Refused on the output side.
   filter_direction_t direction = filter_direction_t::neither;
 
-  bool accepts(const vid_resolution_t& mode) const;
+  bool accepts(const vid_resolution_t& mode) const { return refused_by(mode).empty(); }
+
+  /// The name of the first filter of the chain that refuses `mode`; empty if all accept it. Lives for ever.
+  std::string_view refused_by(const vid_resolution_t& mode) const;
 
   /// Removes the modes that do not pass; the others keep their order.
   void filter(std::vector<vid_resolution_t>& modes) const;
@@ -31,11 +60,23 @@ struct tarn_filter_resolution_t {
   /// The modes of `edid` that pass, best first.
   std::vector<vid_resolution_t> modes(edid_t& edid) const;
 
+  /// `edid` with just the modes that pass; 640x480@60 if none does.
+  edid_t filtered_edid(const edid_t& edid) const;
+
+  /// What `visitor_renderer_t` says of `edid`, and what becomes of each of its modes, best first. For people.
+  std::string report(edid_t& edid) const;
+
+  /// "Above Max Supported Format"; empty for a number without meaning.
+  static std::string_view reason_text(refusal_reason_t reason);
+
  private:
   using chain_t = std::vector<std::unique_ptr<resolution_filter>>;
 
   chain_t chain() const;
   void add_direction_filters(chain_t& filters) const;
 };
+
+/// The chain for what displays at the outputs report.
+tarn_filter_resolution_t output_connection_filter();
 
 }  // namespace edid_lib

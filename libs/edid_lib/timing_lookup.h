@@ -57,8 +57,8 @@ std::optional<vid_resolution_t> cta_resolution(uint32_t vic);
 /// The mode of an HDMI VIC with its timing; a mode of defaults for a number that is not in the table.
 vid_resolution_t hdmi_resolution(int32_t vic);
 
-/// All modes of a table in the order of their keys, byte by byte: those of CTA and HDMI as their numbers give them, those
-/// of DMT and the established ones by their names, with timing and type.
+/// All modes of a table in the order of their keys, byte by byte: those of CTA and HDMI as their numbers give them,
+/// those of DMT and the established ones by their names, with timing and type.
 std::vector<vid_resolution_t> all_established();
 std::vector<vid_resolution_t> all_dmt();
 std::vector<vid_resolution_t> all_cta();

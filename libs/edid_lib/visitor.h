@@ -50,6 +50,7 @@ class visitor_t {
 
   /// What the visitor is for; here the walk alone.
   virtual void read(edid_t* edid) { apply(edid); }
+  virtual void write(edid_t* edid) { apply(edid); }
 
   /// Shows every block of `edid` to this visitor twice, on a forward and on a backward pass. Nothing without an EDID.
   virtual void apply(edid_t* edid);

@@ -1,16 +1,37 @@
 #include "edid_lib/visitor_modes.h"
 
+#include <algorithm>
+#include <initializer_list>
 #include <iterator>
 #include <utility>
 
-#include "edid_lib/cta_vendor_data_blocks.h"
+#include "edid_lib/cta_hdmi_vsdb.h"
 #include "edid_lib/cta_video_data_block.h"
 #include "edid_lib/edid.h"
 
 namespace edid_lib {
+namespace {
+
+/// Whether a mode of an undefined origin, or of this one, is meant.
+bool comes_from(const vid_resolution_t& mode, timing_location_t location) {
+  return mode.location == timing_location_t::undefined || mode.location == location;
+}
+
+bool is_of(const vid_resolution_t& mode, std::initializer_list<timing_type_t> types) {
+  return mode.type == timing_type_t::undefined || std::find(types.begin(), types.end(), mode.type) != types.end();
+}
+
+}  // namespace
 
 void visitor_modes_t::read(edid_t* edid) {
+  writing = false;
   mode_list.clear();
+  apply(edid);
+}
+
+void visitor_modes_t::write(edid_t* edid) {
+  writing = true;
+  write_index_det = 0;
   apply(edid);
 }
 
@@ -18,6 +39,14 @@ std::vector<vid_resolution_t> visitor_modes_t::take_modes() { return std::exchan
 
 void visitor_modes_t::append(std::vector<vid_resolution_t> modes) {
   mode_list.insert(mode_list.end(), std::make_move_iterator(modes.begin()), std::make_move_iterator(modes.end()));
+}
+
+void visitor_modes_t::insert(std::vector<vid_resolution_t> video_modes) {
+  if (!video_modes.empty() && !mode_list.empty()) {
+    mode_list.insert(std::next(mode_list.begin(), no_native ? 0 : 1), std::move(video_modes.front()));
+    video_modes.erase(video_modes.begin());
+  }
+  append(std::move(video_modes));
 }
 
 void visitor_modes_t::prefer_native(uint32_t count) {
@@ -33,20 +62,30 @@ void visitor_modes_t::prefer_native(uint32_t count) {
 }
 
 void visitor_modes_t::visit(edid_base_t* base, bool forward) {
-  if (base != nullptr && forward) {
+  if (base != nullptr && forward && !writing) {
     reduced_first = base->digital_input();
     revision = base->revision();
   }
 }
 
 void visitor_modes_t::visit(det_timings_block_t* block, bool forward) {
-  if (block != nullptr && forward) {
+  if (block == nullptr || !forward) {
+    return;
+  }
+  if (writing) {
+    write_to(*block);
+  } else {
     append(block->modes());
   }
 }
 
 void visitor_modes_t::visit(cta_extension_t* extension, bool forward) {
-  if (extension != nullptr && forward) {
+  if (extension == nullptr || !forward) {
+    return;
+  }
+  if (writing) {
+    extension->or_mask(3, no_native ? 0 : 1);
+  } else {
     no_native = extension->native_count() == 0;
     prefer_native(extension->native_count());
   }
@@ -56,30 +95,96 @@ void visitor_modes_t::visit(cta_video_data_block_t* block, bool forward) {
   if (block == nullptr || forward) {
     return;
   }
-  std::vector<vid_resolution_t> modes = block->modes();
-  if (!modes.empty() && !mode_list.empty()) {
-    mode_list.insert(std::next(mode_list.begin(), no_native ? 0 : 1), std::move(modes.front()));
-    modes.erase(modes.begin());
+  if (writing) {
+    write_to(*block);
+  } else {
+    insert(block->modes());
   }
-  append(std::move(modes));
 }
 
 void visitor_modes_t::visit(cta_hdmi_vsdb_t* block, bool forward) {
-  if (block != nullptr && !forward) {
+  if (block == nullptr || forward) {
+    return;
+  }
+  if (writing) {
+    write_to(*block);
+  } else {
     append(block->modes());
   }
 }
 
 void visitor_modes_t::visit(std_timings_block_t* block, bool forward) {
-  if (block != nullptr && !forward) {
+  if (block == nullptr || forward) {
+    return;
+  }
+  if (writing) {
+    write_to(*block);
+  } else {
     append(block->modes(revision, reduced_first));
   }
 }
 
 void visitor_modes_t::visit(est_timings_block_t* block, bool forward) {
-  if (block != nullptr && !forward) {
+  if (block == nullptr || forward) {
+    return;
+  }
+  if (writing) {
+    write_to(*block);
+  } else {
     append(block->modes());
   }
+}
+
+void visitor_modes_t::write_to(det_timings_block_t& block) {
+  block.clear();
+  while (write_index_det < mode_list.size() && block.count() < block.capacity()) {
+    const vid_resolution_t& mode = mode_list[write_index_det++];
+    if (comes_from(mode, timing_location_t::detailed_timing_descriptor)) {
+      block.add(mode);
+    }
+  }
+  if (block.count() == 0) {
+    no_native = true;
+  }
+}
+
+void visitor_modes_t::write_to(cta_video_data_block_t& block) {
+  block.clear();
+  while (write_index_video < mode_list.size() && block.has_room()) {
+    const vid_resolution_t& mode = mode_list[write_index_video++];
+    if (is_of(mode, {timing_type_t::cta}) && comes_from(mode, timing_location_t::cta_video_data_block)) {
+      block.add(mode);
+    }
+  }
+}
+
+void visitor_modes_t::write_to(cta_hdmi_vsdb_t& block) const {
+  block.clear_hdmi_vics();
+  for (const vid_resolution_t& mode : mode_list) {
+    if (is_of(mode, {timing_type_t::cta, timing_type_t::hdmi}) && comes_from(mode, timing_location_t::cta_hdmi_vsdb)) {
+      block.add(mode);
+    }
+  }
+}
+
+void visitor_modes_t::write_to(std_timings_block_t& block) const {
+  block.clear();
+  for (const vid_resolution_t& mode : mode_list) {
+    if (is_of(mode, {timing_type_t::dmt, timing_type_t::gft, timing_type_t::cvt}) &&
+        comes_from(mode, timing_location_t::standard_block)) {
+      block.add(mode);
+    }
+  }
+}
+
+void visitor_modes_t::write_to(est_timings_block_t& block) const {
+  block.clear();
+  for (const vid_resolution_t& mode : mode_list) {
+    if (is_of(mode, {timing_type_t::established}) && comes_from(mode, timing_location_t::established_block)) {
+      block.set(mode, true);
+    }
+  }
+  block.set(est_timings_block_t::required_mode(), true);
 }
 
 }  // namespace edid_lib

@@ -1,4 +1,5 @@
 #include "edid_lib/cta_vendor_data_blocks.h"
+#include "edid_lib/cta_hdmi_vsdb.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "edid_lib/cta_audio_data_block.h"
 #include "edid_lib/cta_extended_data_blocks.h"
+#include "edid_lib/cta_hdmi_vsdb.h"
 #include "edid_lib/cta_vendor_data_blocks.h"
 #include "edid_lib/cta_video_data_block.h"
 #include "edid_lib/edid.h"
