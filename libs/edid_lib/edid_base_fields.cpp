@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 #include "edid_lib/edid_base.h"
@@ -163,7 +164,8 @@ float edid_base_t::gamma() const { return static_cast<float>(byte(gamma_at) + 10
 
 void edid_base_t::set_gamma(float gamma) {
   if (gamma >= smallest_gamma && gamma <= largest_gamma) {
-    set_byte(gamma_at, static_cast<uint8_t>(gamma * 100.0F - 100.0F));
+    // Rounded, so that a gamma that was read is stored as it was.
+    set_byte(gamma_at, static_cast<uint8_t>(std::lround(gamma * 100.0F - 100.0F)));
   }
 }
 

@@ -77,3 +77,49 @@ TEST(BaseDescriptorBlock, ATextOfAnotherTagIsNotValid) {
   EXPECT_FALSE(ascii_string_base_block_t(72, descriptor(0xFC, "")).valid());
   EXPECT_TRUE(base_descriptor_block_t(72, descriptor(0x33, "")).valid());
 }
+
+TEST(BaseDescriptorBlock, ATextOfFewerThanFourBytesIsEmpty) {
+  for (std::size_t size = 0; size < 4; ++size) {
+    const monitor_serial_base_block_t block(90, std::vector<uint8_t>(size, 0x55));
+    EXPECT_TRUE(block.valid());
+    EXPECT_EQ(block.size(), 18U);
+    EXPECT_EQ(block.byte(0), 0);
+    EXPECT_EQ(block.byte(4), 0);
+    EXPECT_EQ(block.byte(5), ' ');
+    EXPECT_EQ(block.byte(17), ' ');
+    EXPECT_EQ(block.text(), "");
+  }
+  EXPECT_EQ(monitor_name_base_block_t(90).tag(), 0xFC);
+  EXPECT_EQ(ascii_string_base_block_t(90).tag(), 0xFE);
+  EXPECT_FALSE(ascii_string_base_block_t(90, std::vector<uint8_t>(4, 0)).valid());
+}
+
+TEST(BaseDescriptorBlock, AWrittenTextEndsWithALineFeedAndBlanks) {
+  monitor_name_base_block_t block(72, descriptor(0xFC, "ABCDEFGHIJKLM"));
+  block.set_text("LG");
+  EXPECT_EQ(block.text(), "LG");
+  EXPECT_EQ(block.byte(7), '\n');
+  EXPECT_EQ(block.byte(8), ' ');
+  EXPECT_EQ(block.byte(17), ' ');
+  block.set_text("");
+  EXPECT_EQ(block.text(), "");
+  EXPECT_EQ(block.byte(5), '\n');
+}
+
+TEST(BaseDescriptorBlock, AWrittenTextIsCutToTwelveCharacters) {
+  monitor_name_base_block_t block(72);
+  block.set_text("ABCDEFGHIJKLM");
+  EXPECT_EQ(block.text(), "ABCDEFGHIJKL");
+  EXPECT_EQ(block.byte(17), '\n');
+  EXPECT_EQ(block.size(), 18U);
+}
+
+TEST(BaseDescriptorBlock, WithoutBytesHasNoTagAndNoText) {
+  monitor_name_base_block_t block(72);
+  block.reset();
+  EXPECT_EQ(block.tag(), 0);
+  EXPECT_EQ(block.text(), "");
+  block.set_text("X");
+  EXPECT_EQ(block.size(), 0U);
+  EXPECT_FALSE(block.valid());
+}

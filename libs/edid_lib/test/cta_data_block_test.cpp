@@ -92,3 +92,26 @@ TEST(CtaDataBlock, IsValidUnderItsOwnTag) {
   EXPECT_FALSE(cta_extended_data_block_t(data_block(7, {})).valid());
   EXPECT_FALSE(cta_colorimetry_exdb_t(data_block(7, {0})).valid());
 }
+
+TEST(CtaDataBlock, ResizingTellsTheLengthInTheFirstByte) {
+  cta_data_block_t block(data_block(4, {1, 2, 3}));
+  block.resize(6, 0xAA);
+  EXPECT_EQ(block.byte(0), 4 << 5 | 5);
+  EXPECT_EQ(block.byte(5), 0xAA);
+  block.resize(2);
+  EXPECT_EQ(block.byte(0), 4 << 5 | 1);
+  EXPECT_EQ(block.size(), 2U);
+}
+
+TEST(CtaDataBlock, ALengthOfMoreThan31IsNotTold) {
+  cta_data_block_t block(data_block(4, {1, 2, 3}));
+  block.resize(32);
+  EXPECT_EQ(block.byte(0), 4 << 5 | 31);
+  block.resize(33);
+  EXPECT_EQ(block.byte(0), 4 << 5 | 31);
+  EXPECT_EQ(block.size(), 33U);
+  block.resize(0);
+  EXPECT_EQ(block.size(), 0U);
+}
+
+TEST(CtaDataBlock, NoBytesGiveNoBlock) { EXPECT_EQ(make_cta_data_block({}), nullptr); }

@@ -129,3 +129,161 @@ TEST(CtaExtension, AnInvalidDataBlockMakesItInvalid) {
 TEST(CtaExtension, AnExtendedBlockWithoutExtendedTagIsDropped) {
   EXPECT_TRUE(cta_extension_t(extension(5, data_block(7, {}))).data_blocks().empty());
 }
+
+TEST(CtaExtension, MadeWithoutBytesIsEmptyAndValid) {
+  const cta_extension_t block;
+  EXPECT_EQ(block.size(), 128U);
+  EXPECT_TRUE(block.valid());
+  EXPECT_TRUE(block.data_blocks().empty());
+  EXPECT_EQ(block.detailed_timings(), nullptr);
+  EXPECT_EQ(block.detailed_offset(), 0);
+}
+
+TEST(CtaExtension, FlagsAreOneBitEach) {
+  cta_extension_t block(extension(0, {}, 0x05));
+  block.set_underscan(true);
+  EXPECT_EQ(block.byte(3), 0x85);
+  block.set_basic_audio(true);
+  EXPECT_EQ(block.byte(3), 0xC5);
+  block.set_ycc_444(true);
+  EXPECT_EQ(block.byte(3), 0xE5);
+  block.set_ycc_422(true);
+  EXPECT_EQ(block.byte(3), 0xF5);
+  EXPECT_TRUE(block.underscan() && block.basic_audio() && block.ycc_444() && block.ycc_422());
+  block.set_native_count(2);
+  EXPECT_EQ(block.byte(3), 0xF2);
+  block.set_ycc_444(false);
+  EXPECT_FALSE(block.ycc_444());
+  EXPECT_EQ(block.byte(3), 0xD2);
+}
+
+TEST(CtaExtension, BlocksAreFoundByTheirTags) {
+  auto bytes = data_block(2, {16});
+  for (const auto& more : {data_block(7, {5, 1, 0}), data_block(2, {31}), data_block(7, {0, 0})}) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
+  }
+  const cta_extension_t block(extension(static_cast<uint8_t>(4 + bytes.size()), bytes));
+  EXPECT_EQ(block.find_block(2), block.data_blocks()[0].get());
+  EXPECT_EQ(block.find_block(7), block.data_blocks()[1].get());
+  EXPECT_EQ(block.find_block(3), nullptr);
+  EXPECT_EQ(block.find_extended_block(0), block.data_blocks()[3].get());
+  EXPECT_EQ(block.find_extended_block(14), nullptr);
+  EXPECT_TRUE(block.has_block(2) && block.has_extended_block(5));
+  EXPECT_FALSE(block.has_block(1) || block.has_extended_block(15));
+}
+
+TEST(CtaExtension, DetailedTimingsThatAreThereHaveTheirOffsetInTheBlock) {
+  cta_extension_t block(extension(4, entry_bytes()));
+  EXPECT_EQ(&block.detailed(), block.detailed_timings());
+  EXPECT_EQ(block.detailed().offset(), 4U);
+  EXPECT_EQ(block.detailed().capacity(), 6U);
+}
+
+TEST(CtaExtension, DetailedTimingsThatAreMadeHaveTheirOffsetInTheEdid) {
+  cta_extension_t block(extension(20, data_block(4, {1, 2, 3})));
+  ASSERT_EQ(block.detailed_timings(), nullptr);
+  EXPECT_EQ(block.detailed().offset(), 148U);
+  EXPECT_EQ(block.detailed().capacity(), 5U);
+  EXPECT_TRUE(block.detailed().add(edid_lib::vid_resolution_t("1920x1080@60")));
+  cta_extension_t full(extension(255, {}));
+  EXPECT_EQ(full.detailed().capacity(), 0U);
+}
+
+TEST(CtaExtension, OffsetFollowsTheLengthsThatTheBlocksTell) {
+  cta_extension_t block;
+  block.refresh_offset();
+  EXPECT_EQ(block.detailed_offset(), 0);
+  block.detailed();
+  block.refresh_offset();
+  EXPECT_EQ(block.detailed_offset(), 4);
+  block.add_block(std::make_unique<edid_lib::cta_hdmi_vsdb_t>());
+  block.add_block(std::make_unique<edid_lib::cta_video_data_block_t>());
+  block.add_block(nullptr);
+  block.refresh_offset();
+  EXPECT_EQ(block.detailed_offset(), 11);
+}
+
+TEST(CtaExtension, PutTogetherUntouchedItIsAsItWasButForTheChecksum) {
+  auto rest = data_block(2, {16, 31});
+  const auto colorimetry = data_block(7, {5, 1, 0});
+  rest.insert(rest.end(), colorimetry.begin(), colorimetry.end());
+  rest.insert(rest.end(), entry.begin(), entry.end());
+  const auto bytes = extension(11, rest, 0xF1);
+  auto whole = cta_extension_t(bytes).assemble();
+  EXPECT_EQ(edid_lib::checksum_of(whole, 128), 0);
+  whole[127] = 0;
+  EXPECT_EQ(whole, bytes);
+}
+
+TEST(CtaExtension, PutTogetherHasTheBlocksThatWereAdded) {
+  cta_extension_t block;
+  auto video = std::make_unique<edid_lib::cta_video_data_block_t>();
+  video->add(edid_lib::vid_resolution_t("1920x1080@60"));
+  block.add_block(std::move(video));
+  block.detailed().add(edid_lib::vid_resolution_t("1280x720@60"));
+  block.set_native_count(1);
+  const auto whole = block.assemble();
+  EXPECT_EQ(edid_lib::checksum_of(whole, 128), 0);
+  const cta_extension_t read(whole);
+  EXPECT_EQ(read.detailed_offset(), 6);
+  EXPECT_EQ(read.native_count(), 1);
+  ASSERT_EQ(read.data_blocks().size(), 1U);
+  ASSERT_NE(read.detailed_timings(), nullptr);
+  EXPECT_EQ(read.detailed_timings()->modes().at(0).key(), "1280x720@60");
+}
+
+TEST(CtaExtension, PutTogetherEmptyHasOffset0AndWithDetailedTimingsAlone4) {
+  cta_extension_t block;
+  EXPECT_EQ(block.assemble()[2], 0);
+  block.detailed().add(edid_lib::vid_resolution_t("1280x720@60"));
+  EXPECT_EQ(block.assemble()[2], 4);
+  EXPECT_EQ(cta_extension_t(block.assemble()).detailed_timings()->modes().size(), 1U);
+}
+
+TEST(CtaExtension, WhatDoesNotFitIsLeftOut) {
+  cta_extension_t block;
+  for (int i = 0; i < 6; ++i) {
+    block.detailed().add(edid_lib::vid_resolution_t("1280x720@60"));
+  }
+  for (int i = 0; i < 4; ++i) {
+    block.add_block(std::make_unique<edid_lib::cta_data_block_t>(data_block(4, {1, 2, 3})));
+    block.add_block(std::make_unique<edid_lib::cta_data_block_t>(std::vector<uint8_t>(32, 0x9F)));
+  }
+  const cta_extension_t read(block.assemble());
+  std::vector<std::size_t> sizes;
+  for (const auto& one : read.data_blocks()) {
+    sizes.push_back(one->size());
+  }
+  EXPECT_EQ(sizes, (std::vector<std::size_t>{4, 32, 4, 32, 4, 32, 4}));
+  EXPECT_EQ(read.detailed_offset(), 116);
+  EXPECT_EQ(read.detailed_timings(), nullptr);
+  EXPECT_TRUE(read.valid());
+}
+
+TEST(CtaExtension, ABlockThatWasCutTellsItsLengthWhenPutTogether) {
+  const std::vector<uint8_t> bytes(123, 0x5F);
+  const cta_extension_t read(cta_extension_t(extension(127, bytes)).assemble());
+  ASSERT_EQ(read.data_blocks().size(), 3U) << "the fourth has the checksum for its last byte";
+}
+
+TEST(CtaExtension, CopiesHaveBlocksOfTheirOwn) {
+  cta_extension_t block(extension(24, data_block(2, {16})));
+  block.detailed();
+  cta_extension_t copy(block);
+  copy.find_block(2)->clear();
+  copy.detailed().add(edid_lib::vid_resolution_t("1280x720@60"));
+  EXPECT_EQ(block.find_block(2)->size(), 2U);
+  EXPECT_TRUE(block.detailed_timings()->modes().empty());
+  block = copy;
+  EXPECT_EQ(block.find_block(2)->size(), 1U);
+}
+
+TEST(CtaExtension, AResetForgetsEverything) {
+  cta_extension_t block(extension(6, data_block(2, {16}), 0xF1));
+  block.detailed();
+  block.reset();
+  EXPECT_TRUE(block.valid());
+  EXPECT_TRUE(block.data_blocks().empty());
+  EXPECT_EQ(block.detailed_timings(), nullptr);
+  EXPECT_EQ(block.byte(3), 0);
+}

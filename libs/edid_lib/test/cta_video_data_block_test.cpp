@@ -78,3 +78,54 @@ TEST(CtaVideoDataBlock, FormatsNamedByAWholeRateThatRunSlowerGetOneMoreStepDown)
   EXPECT_EQ(modes[0].fps, 120);
   EXPECT_EQ(modes[1].timing.pixel_clock_khz, 53946U);
 }
+
+TEST(CtaVideoDataBlock, AddsCodesNotMarkedNative) {
+  cta_video_data_block_t block;
+  EXPECT_TRUE(block.valid());
+  EXPECT_TRUE(block.add(vid_resolution_t("1920x1080@60")));
+  EXPECT_TRUE(block.add(vid_resolution_t("640x480@60")));
+  EXPECT_EQ(block.byte(0), 2 << 5 | 2);
+  EXPECT_EQ(block.byte(1), 16);
+  EXPECT_EQ(block.byte(2), 1);
+}
+
+TEST(CtaVideoDataBlock, AModeWithoutCodeIsNotAdded) {
+  cta_video_data_block_t block;
+  EXPECT_FALSE(block.add(vid_resolution_t("1024x768@60")));
+  EXPECT_FALSE(block.add(vid_resolution_t("1920x1080@59.94")));
+  EXPECT_EQ(block.size(), 1U);
+}
+
+TEST(CtaVideoDataBlock, HasRoomFor31Codes) {
+  cta_video_data_block_t block;
+  for (int i = 0; i < 31; ++i) {
+    EXPECT_TRUE(block.has_room());
+    EXPECT_TRUE(block.add(vid_resolution_t("1920x1080@60")));
+  }
+  EXPECT_FALSE(block.has_room());
+  EXPECT_FALSE(block.add(vid_resolution_t("1920x1080@60")));
+  EXPECT_EQ(block.byte(0), 2 << 5 | 31);
+  EXPECT_EQ(block.size(), 32U);
+}
+
+TEST(CtaVideoDataBlock, ClearLeavesNoCodes) {
+  cta_video_data_block_t block(data_block(2, {16, 31}));
+  block.clear();
+  EXPECT_EQ(block.size(), 1U);
+  EXPECT_EQ(block.byte(0), 2 << 5);
+  EXPECT_TRUE(block.modes().empty());
+}
+
+TEST(CtaVideoDataBlock, TellsWhereAModeStandsAndWhetherItIsNative) {
+  const cta_video_data_block_t block(data_block(2, {31, 0x90, 97, 193}));
+  const auto full_hd = block.contains(vid_resolution_t("1920x1080@60"));
+  ASSERT_TRUE(full_hd.has_value());
+  EXPECT_EQ(full_hd->index, 1U);
+  EXPECT_TRUE(full_hd->native);
+  const auto ultra_hd = block.contains(vid_resolution_t("3840x2160@60"));
+  ASSERT_TRUE(ultra_hd.has_value());
+  EXPECT_EQ(ultra_hd->index, 2U);
+  EXPECT_FALSE(ultra_hd->native);
+  EXPECT_FALSE(block.contains(vid_resolution_t("640x480@60")).has_value());
+  EXPECT_FALSE(block.contains(vid_resolution_t("1024x768@60")).has_value());
+}

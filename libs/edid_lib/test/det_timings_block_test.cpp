@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "test_support/edid_builder.h"
 
 using edid_lib::det_timings_block_t;
@@ -146,4 +149,103 @@ TEST(DetTimingsBlock, ModesComeInTheOrderOfTheEntriesThatAreTimings) {
   EXPECT_EQ(modes[0].width, 1920);
   EXPECT_EQ(modes[1].width, 800);
   EXPECT_EQ(modes[1].type, timing_type_t::dmt);
+}
+
+TEST(DetTimingsBlock, CapacityCutsAndPads) {
+  det_timings_block_t block(detailed_entry(full_hd), 54, 1);
+  block.set_capacity(3);
+  EXPECT_EQ(block.size(), 54U);
+  EXPECT_EQ(block.byte(53), 1);
+  EXPECT_EQ(block.modes().size(), 1U);
+  block.set_capacity(0);
+  EXPECT_EQ(block.size(), 0U);
+}
+
+TEST(DetTimingsBlock, GivesTheBytesOfAnEntry) {
+  const auto entry = detailed_entry(full_hd);
+  const det_timings_block_t block(entry, 54, 2);
+  EXPECT_TRUE(std::equal(entry.begin(), entry.end(), block.on_get(0).begin(), block.on_get(0).end()));
+  EXPECT_EQ(block.on_get(1).size(), 18U);
+  EXPECT_TRUE(block.on_get(2).empty());
+}
+
+TEST(DetTimingsBlock, AddedModesAreRead) {
+  det_timings_block_t block({}, 54, 2);
+  EXPECT_FALSE(block.add(vid_resolution_t(full_hd))) << "padding is in use";
+  block.clear();
+  EXPECT_TRUE(block.add(vid_resolution_t(full_hd)));
+  EXPECT_TRUE(block.add(vid_resolution_t("800x600@60")));
+  EXPECT_FALSE(block.add(vid_resolution_t(full_hd)));
+  EXPECT_EQ(block.count(), 2U);
+  const auto modes = block.modes();
+  ASSERT_EQ(modes.size(), 2U);
+  EXPECT_EQ(modes[0].timing, full_hd);
+  EXPECT_EQ(modes[1].key(), "800x600@60");
+}
+
+TEST(DetTimingsBlock, AnEntryHasTheBytesOfTheStandard) {
+  det_timings_block_t block({}, 54, 1);
+  block.clear();
+  vid_resolution_t mode(full_hd);
+  mode.h_image_mm = 0x6A4;
+  mode.v_image_mm = 0x3BD;
+  mode.h_border = 7;
+  mode.v_border = 9;
+  ASSERT_TRUE(block.add(mode));
+  const uint8_t expected[] = {0x02, 0x3A, 0x80, 0x18, 0x71, 0x38, 0x2D, 0x40, 0x58,
+                              0x2C, 0x45, 0x00, 0xA4, 0xBD, 0x63, 7,    7,    0x1E};
+  const auto written = block.on_get(0);
+  EXPECT_TRUE(std::equal(written.begin(), written.end(), std::begin(expected), std::end(expected)));
+}
+
+TEST(DetTimingsBlock, ModesWithoutTimingOrAbove4095AreNotAdded) {
+  det_timings_block_t block({}, 54, 1);
+  block.clear();
+  EXPECT_FALSE(block.add(vid_resolution_t("1x1@60")));
+  EXPECT_FALSE(block.add(vid_resolution_t("4096x2160@60")));
+  vid_timing_t tall = full_hd;
+  tall.v_active = 4096;
+  EXPECT_FALSE(block.add(vid_resolution_t(tall)));
+  EXPECT_EQ(block.count(), 0U);
+  EXPECT_TRUE(block.add(vid_resolution_t("3840x2160@60")));
+}
+
+TEST(DetTimingsBlock, NumbersLoseTheHighBitsThatDoNotFit) {
+  vid_timing_t large = full_hd;
+  large.pixel_clock_khz = 655360 + 148500;
+  large.h_sync_start = 1920 + 1024 + 88;
+  large.h_sync_end = large.h_sync_start + 44;
+  large.h_total = 1920 + 4096 + 280;
+  det_timings_block_t block({}, 54, 1);
+  block.clear();
+  ASSERT_TRUE(block.add(vid_resolution_t(large)));
+  EXPECT_EQ(block.modes().at(0).timing, full_hd);
+}
+
+TEST(DetTimingsBlock, InterlacedModesAreWrittenWithTheLinesOfTheirFrames) {
+  const vid_timing_t interlaced = {74250, 1920, 2008, 2052, 2200, 1080, 1084, 1094, 1125, 21};
+  det_timings_block_t block({}, 54, 1);
+  block.clear();
+  ASSERT_TRUE(block.add(vid_resolution_t(interlaced)));
+  EXPECT_EQ(block.modes().at(0).timing, interlaced);
+  EXPECT_EQ(block.on_get(0)[17], 0x9E);
+}
+
+TEST(DetTimingsBlock, TheNextEntryIsCountedNotLookedFor) {
+  std::vector<uint8_t> bytes(18, 0);
+  const auto entry = detailed_entry(full_hd);
+  bytes.insert(bytes.end(), entry.begin(), entry.end());
+  det_timings_block_t block(bytes, 54, 2);
+  EXPECT_EQ(block.count(), 1U);
+  EXPECT_TRUE(block.add(vid_resolution_t("800x600@60")));
+  EXPECT_EQ(block.modes().size(), 1U);
+  EXPECT_EQ(block.modes()[0].key(), "800x600@60");
+}
+
+TEST(DetTimingsBlock, WithoutBytesThereIsNoRoom) {
+  det_timings_block_t block(detailed_entry(full_hd), 54, 2);
+  block.reset();
+  EXPECT_FALSE(block.add(vid_resolution_t(full_hd)));
+  EXPECT_TRUE(block.modes().empty());
+  EXPECT_TRUE(block.on_get(0).empty());
 }

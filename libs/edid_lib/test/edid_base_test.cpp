@@ -6,6 +6,8 @@
 #include "test_support/edid_builder.h"
 
 using edid_lib::edid_base_t;
+using edid_lib::monitor_name_base_block_t;
+using edid_lib::vid_resolution_t;
 using edid_lib::vid_timing_t;
 using test_support::edid_builder_t;
 
@@ -144,4 +146,97 @@ TEST(EdidBase, WithTwoDetailedTimingsTwoDescriptorsFollow) {
   const edid_base_t base = parse(edid_builder_t().detailed(0, full_hd).detailed(1, svga).descriptor(108, 0xFF, "1"));
   EXPECT_EQ(descriptor_offsets(base), (std::vector<uint32_t>{90, 108}));
   EXPECT_EQ(base.descriptors()[1]->tag(), 0xFF);
+}
+
+TEST(EdidBase, MadeWithoutBytesHasEmptyTimingsAndRoomForTwoDetailedOnes) {
+  const edid_base_t base;
+  EXPECT_EQ(base.size(), 0U);
+  EXPECT_EQ(base.established().size(), 3U);
+  EXPECT_EQ(base.standard().size(), 16U);
+  EXPECT_EQ(base.detailed().offset(), 54U);
+  EXPECT_EQ(base.detailed().capacity(), 2U);
+  EXPECT_TRUE(base.descriptors().empty());
+  EXPECT_FALSE(base.valid());
+}
+
+TEST(EdidBase, CanBeBuiltUpFromAReset) {
+  edid_base_t base;
+  base.reset();
+  EXPECT_EQ(base.size(), 128U);
+  EXPECT_EQ(base.version(), 1);
+  EXPECT_EQ(base.revision(), 3);
+  base.set_manufacturer_id("ACR");
+  base.established().set(vid_resolution_t("640x480@60"), true);
+  EXPECT_TRUE(base.standard().add(vid_resolution_t("1280x1024@60")));
+  EXPECT_TRUE(base.detailed().add(vid_resolution_t(full_hd)));
+  EXPECT_TRUE(base.detailed().add(vid_resolution_t(svga)));
+  auto name = std::make_unique<monitor_name_base_block_t>(90);
+  name->set_text("Tarn");
+  base.add_descriptor(std::move(name));
+  EXPECT_TRUE(base.valid());
+
+  const edid_base_t read(base.assemble(0));
+  EXPECT_TRUE(read.valid());
+  EXPECT_EQ(read.manufacturer_id(), "ACR");
+  EXPECT_EQ(read.standard().count(), 1U);
+  EXPECT_EQ(read.detailed().modes().size(), 2U);
+  EXPECT_EQ(read.descriptors()[0]->name(), "Base Monitor Name Descriptor");
+  EXPECT_EQ(read.descriptors()[1]->name(), "Base Dummy Descriptor");
+  EXPECT_EQ(read.checksum(127), read.byte(127));
+}
+
+TEST(EdidBase, AResetForgetsEverything) {
+  edid_base_t base = parse(edid_builder_t().detailed(0, full_hd).descriptor(72, 0xFC, "NAME").byte(8, 0x44));
+  base.reset();
+  EXPECT_TRUE(base.descriptors().empty());
+  EXPECT_TRUE(base.detailed().modes().empty());
+  EXPECT_TRUE(base.established().modes().empty());
+  EXPECT_EQ(base.byte(8), 0);
+}
+
+TEST(EdidBase, PutTogetherUntouchedItIsAsItWasButForTheChecksum) {
+  auto bytes = edid_builder_t()
+                   .detailed(0, full_hd)
+                   .descriptor(72, 0xFC, "NAME")
+                   .descriptor(90, 0xFD, "RANGE")
+                   .standard(3, 0xD1, 0xC0)
+                   .byte(126, 1)
+                   .build();
+  const uint8_t right = bytes[127];
+  bytes[127] = 0x55;
+  const auto whole = edid_base_t(bytes).assemble(1);
+  bytes[127] = right;
+  EXPECT_EQ(whole, bytes);
+}
+
+TEST(EdidBase, PutTogetherHasWhatItsBlocksHave) {
+  edid_base_t base = parse(edid_builder_t().detailed(0, full_hd).detailed(1, svga).descriptor(90, 0xFC, "OLD"));
+  base.established().set(vid_resolution_t("800x600@60"), true);
+  base.standard().clear();
+  base.standard().add(vid_resolution_t("1920x1080@60"));
+  base.detailed().clear();
+  base.detailed().add(vid_resolution_t(svga));
+  dynamic_cast<monitor_name_base_block_t&>(*base.descriptors()[0]).set_text("NEW");
+  EXPECT_EQ(base.byte(35), 0x20);
+
+  const edid_base_t read(base.assemble(0));
+  EXPECT_EQ(read.byte(35), 0x21);
+  EXPECT_EQ(read.byte(38), 0xD1);
+  EXPECT_EQ(read.detailed().modes().at(0).timing, svga);
+  EXPECT_EQ(read.descriptors()[0]->tag(), 0x10);
+  EXPECT_EQ(dynamic_cast<monitor_name_base_block_t&>(*read.descriptors()[1]).text(), "NEW");
+}
+
+TEST(EdidBase, CopiesHaveBlocksOfTheirOwn) {
+  edid_base_t base = parse(edid_builder_t().descriptor(72, 0xFC, "NAME"));
+  edid_base_t copy(base);
+  copy.established().clear();
+  copy.standard().add(vid_resolution_t("1920x1080@60"));
+  dynamic_cast<monitor_name_base_block_t&>(*copy.descriptors()[0]).set_text("COPY");
+  EXPECT_TRUE(base.valid());
+  EXPECT_FALSE(copy.valid());
+  EXPECT_EQ(base.standard().count(), 0U);
+  EXPECT_EQ(dynamic_cast<monitor_name_base_block_t&>(*base.descriptors()[0]).text(), "NAME");
+  base = copy;
+  EXPECT_EQ(base.standard().count(), 1U);
 }

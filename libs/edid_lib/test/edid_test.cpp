@@ -159,6 +159,60 @@ TEST(Edid, MovingTakesTheParts) {
   EXPECT_TRUE(assigned.valid());
 }
 
+TEST(Edid, AnExtensionIsMadeWhereThereIsABaseBlock) {
+  edid_t edid(edid_builder_t().build());
+  ASSERT_NE(edid.ensure_cta(), nullptr);
+  EXPECT_EQ(edid.ensure_cta(), edid.cta());
+  EXPECT_EQ(edid.base()->extension_count(), 1);
+  EXPECT_TRUE(edid.valid());
+  EXPECT_EQ(edid_t().ensure_cta(), nullptr);
+}
+
+TEST(Edid, AnExtensionThatIsThereIsNotMadeAgain) {
+  edid_t edid(television().byte(126, 7).build());
+  const edid_lib::cta_extension_t* extension = edid.cta();
+  EXPECT_EQ(edid.ensure_cta(), extension);
+  EXPECT_EQ(edid.base()->extension_count(), 7);
+}
+
+TEST(Edid, PutTogetherUntouchedItIsAsItWas) {
+  const auto bytes = television().build();
+  EXPECT_EQ(edid_t(bytes).assemble(), bytes);
+  const auto alone = edid_builder_t().build();
+  EXPECT_EQ(edid_t(alone).assemble(), alone);
+  EXPECT_TRUE(edid_t().assemble().empty());
+}
+
+TEST(Edid, PutTogetherCountsItsExtensionsAndHasRightChecksums) {
+  auto bytes = television().cta(0, {}).build();
+  bytes[127] = 1;
+  bytes[255] = 2;
+  const auto whole = edid_t(bytes).assemble();
+  ASSERT_EQ(whole.size(), 256U);
+  EXPECT_EQ(whole[126], 1);
+  EXPECT_EQ(edid_lib::checksum_of(whole, 128), 0);
+  EXPECT_EQ(edid_lib::checksum_of(std::span(whole).subspan(128), 128), 0);
+  EXPECT_EQ(edid_t(edid_builder_t().byte(126, 3).build()).assemble()[126], 0);
+}
+
+TEST(Edid, ACopyHasWhatWasWrittenIntoTheBlocks) {
+  edid_t edid(television().build());
+  edid.cta()->find_block(2)->clear();
+  edid.base()->established().clear();
+  edid_t copy(edid);
+  EXPECT_EQ(texts_of(copy), texts_of(edid));
+  EXPECT_FALSE(copy.valid());
+  EXPECT_EQ(copy.assemble(), edid.assemble());
+}
+
+TEST(Edid, ResetItHasNoParts) {
+  edid_t edid(television().build());
+  edid.reset();
+  EXPECT_EQ(edid.size(), 0U);
+  EXPECT_EQ(edid.base(), nullptr);
+  EXPECT_EQ(edid.cta(), nullptr);
+}
+
 TEST(Edid, AcceptsNoVisitor) {
   edid_t edid(television().build());
   edid.accept(nullptr, true);

@@ -6,6 +6,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "edid_lib/timing_tables.h"
+
 using edid_lib::est_timings_block_t;
 using edid_lib::vid_resolution_t;
 
@@ -68,4 +70,38 @@ TEST(EstTimingsBlock, ModesHaveComputedRates) {
   EXPECT_EQ(modes[0].key(), "640x480@60");
   EXPECT_EQ(modes[0].type, edid_lib::timing_type_t::established);
   EXPECT_EQ(modes[0].location, edid_lib::timing_location_t::established_block);
+}
+
+TEST(EstTimingsBlock, EveryModeHasItsBit) {
+  for (const edid_lib::timing_row_t* row : edid_lib::established_timings().by_key()) {
+    const vid_resolution_t mode(row->key);
+    est_timings_block_t block({});
+    block.set(mode, true);
+    EXPECT_TRUE(block.contains(mode)) << row->key;
+    ASSERT_EQ(block.modes().size(), 1U) << row->key;
+    EXPECT_EQ(block.modes()[0].timing, row->timing);
+    const std::size_t index = row->number;
+    EXPECT_EQ(block.byte(static_cast<uint8_t>(index / 8)), index == 16 ? 0x80 : 1 << index % 8);
+    block.set(mode, false);
+    EXPECT_TRUE(block.modes().empty());
+  }
+}
+
+TEST(EstTimingsBlock, AModeThatHasNoBitCannotBeSet) {
+  est_timings_block_t block({});
+  block.set(vid_resolution_t("1920x1080@60"), true);
+  EXPECT_TRUE(block.modes().empty());
+  block.set(vid_resolution_t("640x480@59.94"), true);
+  EXPECT_TRUE(block.modes().empty());
+}
+
+TEST(EstTimingsBlock, ClearedOrResetItHasNoModes) {
+  est_timings_block_t block(std::vector<uint8_t>{0xFF, 0xFF, 0xFF});
+  EXPECT_EQ(block.modes().size(), 17U);
+  block.clear();
+  EXPECT_EQ(block.size(), 3U);
+  EXPECT_TRUE(block.modes().empty());
+  block.reset();
+  EXPECT_TRUE(block.modes().empty());
+  EXPECT_FALSE(block.valid());
 }

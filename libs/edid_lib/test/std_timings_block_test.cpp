@@ -102,3 +102,103 @@ TEST(StdTimingsBlock, ModesComeInTheOrderOfTheCodes) {
   EXPECT_EQ(modes[0].width, 1920);
   EXPECT_EQ(modes[1].width, 1024);
 }
+
+TEST(StdTimingsBlock, EveryShapeThatIsAddedIsRead) {
+  std_timings_block_t written = block({});
+  const char* const keys[] = {"1280x800@60", "1024x768@75", "1280x1024@85",
+                              "1280x720@60", "640x480@60",  "1920x1080@60"};
+  std::vector<std::string> read;
+  for (const char* key : keys) {
+    EXPECT_TRUE(written.add(vid_resolution_t{std::string_view(key)})) << key;
+    EXPECT_TRUE(written.contains(vid_resolution_t{std::string_view(key)})) << key;
+  }
+  EXPECT_EQ(written.count(), std::size(keys));
+  for (const vid_resolution_t& mode : written.modes(3, false)) {
+    read.push_back(mode.key());
+  }
+  EXPECT_EQ(read, std::vector<std::string>(std::begin(keys), std::end(keys)));
+}
+
+TEST(StdTimingsBlock, CodesAreTheOnesOfTheStandard) {
+  std_timings_block_t written = block({});
+  written.add(vid_resolution_t("1920x1080@60"));
+  written.add(vid_resolution_t("1280x1024@75"));
+  EXPECT_EQ(written.byte(0), 0xD1);
+  EXPECT_EQ(written.byte(1), 0xC0);
+  EXPECT_EQ(written.byte(2), 0x81);
+  EXPECT_EQ(written.byte(3), 0x8F);
+  EXPECT_EQ(written.byte(4), 1);
+}
+
+TEST(StdTimingsBlock, AModeThatIsThereIsNotAddedAgain) {
+  std_timings_block_t written = block({});
+  EXPECT_TRUE(written.add(vid_resolution_t("1920x1080@60")));
+  EXPECT_TRUE(written.add(vid_resolution_t("1920x1080@60")));
+  EXPECT_EQ(written.count(), 1U);
+}
+
+TEST(StdTimingsBlock, WhatNoCodeMeansIsRefused) {
+  std_timings_block_t written = block({});
+  for (const char* key : {"1366x768@60", "240x180@60", "2560x1440@60", "1928x1085@60", "720x576@50", "1280x720@75",
+                          "1920x1080@24", "0x0@60"}) {
+    EXPECT_FALSE(written.add(vid_resolution_t{std::string_view(key)})) << key;
+  }
+  EXPECT_EQ(written.count(), 0U);
+}
+
+TEST(StdTimingsBlock, ACodeHasSixBitsForTheRateAlsoBelow60) {
+  // 56 is four below 60, which the six bits tell as 120, and there is a mode at 120.
+  std_timings_block_t written = block({});
+  EXPECT_TRUE(written.add(vid_resolution_t("800x600@56")));
+  EXPECT_EQ(written.byte(1), shape_4_3 | 60);
+  EXPECT_FALSE(written.contains(vid_resolution_t("800x600@56")));
+}
+
+TEST(StdTimingsBlock, ReducedBlankingIsNoPartOfTheCode) {
+  vid_resolution_t reduced("1280x800@60");
+  reduced.reduced_blanking = true;
+  std_timings_block_t written = block({});
+  EXPECT_TRUE(written.add(reduced));
+  EXPECT_TRUE(written.contains(reduced));
+  EXPECT_TRUE(written.contains(vid_resolution_t("1280x800@60")));
+}
+
+TEST(StdTimingsBlock, WithEightCodesInUseNothingIsAdded) {
+  std_timings_block_t written = block({});
+  for (uint8_t i = 0; i < 16; i += 2) {
+    written.or_mask(i, 0xD1);
+  }
+  EXPECT_EQ(written.count(), 8U);
+  EXPECT_FALSE(written.add(vid_resolution_t("1280x1024@60")));
+}
+
+TEST(StdTimingsBlock, ARemovedModeLeavesAPlaceForAnother) {
+  std_timings_block_t written = block({});
+  written.add(vid_resolution_t("1920x1080@60"));
+  written.add(vid_resolution_t("1280x1024@60"));
+  EXPECT_TRUE(written.remove(vid_resolution_t("1920x1080@60")));
+  EXPECT_FALSE(written.remove(vid_resolution_t("1920x1080@60")));
+  EXPECT_EQ(written.byte(0), 1);
+  EXPECT_EQ(written.byte(1), 1);
+  EXPECT_TRUE(written.add(vid_resolution_t("1024x768@60")));
+  EXPECT_TRUE(written.contains(vid_resolution_t("1280x1024@60")));
+  EXPECT_TRUE(written.contains(vid_resolution_t("1024x768@60")));
+}
+
+TEST(StdTimingsBlock, ClearMakesEveryByteTheUnusedCode) {
+  std_timings_block_t written = block({0xD1, 0xC0});
+  written.clear();
+  EXPECT_EQ(written.bytes().size(), 16U);
+  for (const uint8_t byte : written.bytes()) {
+    EXPECT_EQ(byte, 1);
+  }
+}
+
+TEST(StdTimingsBlock, WithoutBytesThereIsNoRoom) {
+  std_timings_block_t written = block({});
+  written.reset();
+  EXPECT_FALSE(written.add(vid_resolution_t("1920x1080@60")));
+  EXPECT_FALSE(written.contains(vid_resolution_t("1920x1080@60")));
+  EXPECT_EQ(written.count(), 0U);
+  EXPECT_TRUE(written.modes(3, true).empty());
+}
