@@ -11,7 +11,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <utility>
 
 #include "zyl/log/module_logger.h"
 
@@ -22,9 +21,8 @@ namespace {
 [[maybe_unused]] const auto& module_log = module_logger("lin_property");
 
 constexpr int send_timeout_ms = 1000;
-constexpr std::size_t chunk_size = 128;
 // Keeps one burst from starving the caller.
-constexpr std::size_t drain_limit = 65535;
+constexpr std::size_t drain_limit = 65536;
 
 bool connect_to(int fd, const std::string& path) {
   sockaddr_un address{};
@@ -36,13 +34,15 @@ bool connect_to(int fd, const std::string& path) {
 
 /// `poll` of one descriptor that a signal neither ends nor makes longer.
 int poll_through_signals(pollfd& watched, int timeout_ms) {
+  using clock_t = std::chrono::steady_clock;
   using std::chrono::milliseconds;
-  const auto end = std::chrono::steady_clock::now() + milliseconds(timeout_ms);
+  const bool limited = timeout_ms > 0;
+  const auto end = limited ? clock_t::now() + milliseconds(timeout_ms) : clock_t::time_point();
   int left_ms = timeout_ms;
   int count = 0;
   while ((count = ::poll(&watched, 1, left_ms)) < 0 && errno == EINTR) {
-    if (timeout_ms > 0) {
-      const auto left = std::chrono::ceil<milliseconds>(end - std::chrono::steady_clock::now());
+    if (limited) {
+      const auto left = std::chrono::ceil<milliseconds>(end - clock_t::now());
       left_ms = static_cast<int>(std::max(left, milliseconds::zero()).count());
     }
   }
@@ -69,6 +69,8 @@ void property_client_t::disconnect() {
     socket.fd = -1;
   }
   rx_buffer.clear();
+  may_have_more = false;
+  may_send = false;
   stream_ended = false;
 }
 
@@ -104,23 +106,20 @@ bool property_client_t::receive(std::string& command, std::string& path, std::st
   path.clear();
   value.clear();
   do {
-    if (ready_for(POLLIN, 0)) {
-      stream_ended = !drain();
-    }
+    drain();
     rx_buffer.resynchronise();
-    if (auto fields = rx_buffer.take_frame(); fields && !fields->empty()) {
+    if (const auto* fields = rx_buffer.next_frame(); fields != nullptr && !fields->empty()) {
       if (fields->size() != 3) {
         command = "error";
         path = "bad_payload";
         return !rx_buffer.empty();
       }
-      command = std::move((*fields)[0]);
-      path = std::move((*fields)[1]);
-      value = std::move((*fields)[2]);
+      command = (*fields)[0];
+      path = (*fields)[1];
+      value = (*fields)[2];
       return true;
     }
-    // A peer that shut down only its sending side leaves the socket readable for ever, without a byte to come.
-  } while (!stream_ended && ready_for(POLLIN, timeout_ms));
+  } while (more_comes(timeout_ms));
   return false;
 }
 
@@ -130,9 +129,11 @@ bool property_client_t::hung_up() const {
 }
 
 bool property_client_t::send(std::initializer_list<std::string_view> fields) {
-  const std::string frame = build_frame(fields);
-  std::string_view left = frame;
-  while (!left.empty() && ready_for(POLLOUT, send_timeout_ms)) {
+  tx_frame.clear();
+  append_frame(tx_frame, fields);
+  std::string_view left = tx_frame;
+  while (!left.empty() && (may_send || events_within(POLLOUT, send_timeout_ms) != 0)) {
+    may_send = false;
     const ssize_t sent = ::send(socket.fd, left.data(), left.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
     if (sent < 0) {
       break;
@@ -142,30 +143,40 @@ bool property_client_t::send(std::initializer_list<std::string_view> fields) {
   return left.empty();
 }
 
-/// Reads what is there. False when nothing will come any more.
-bool property_client_t::drain() {
-  std::array<char, chunk_size> chunk{};
-  std::size_t drained = 0;
-  do {
-    const ssize_t received = ::recv(socket.fd, chunk.data(), chunk.size(), MSG_DONTWAIT);
-    if (received <= 0) {
-      return received < 0 && (errno == EAGAIN || errno == EINTR);
-    }
+/// Reads what is there, at most `drain_limit` bytes. On the way it sees whether the next request must wait for room:
+/// only requests take room, so there still is some when the next one comes.
+void property_client_t::drain() {
+  may_have_more = false;
+  const int seen = events_within(POLLIN | POLLOUT, 0);
+  may_send = (seen & POLLOUT) != 0;
+  if ((seen & POLLIN) == 0) {
+    return;
+  }
+  std::array<char, drain_limit> chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): as long as recv fills it
+  const ssize_t received = ::recv(socket.fd, chunk.data(), chunk.size(), MSG_DONTWAIT);
+  if (received > 0) {
     rx_buffer.append({chunk.data(), static_cast<std::size_t>(received)});
-    drained += static_cast<std::size_t>(received);
-  } while (drained <= drain_limit && ready_for(POLLIN, 0));
-  return true;
+    may_have_more = static_cast<std::size_t>(received) == chunk.size();
+  } else {
+    stream_ended = received == 0 || (errno != EAGAIN && errno != EINTR);
+  }
 }
 
-/// Waits for the event. A peer that has hung up is never ready; nor is a closed descriptor, of which poll would only
-/// sleep.
-bool property_client_t::ready_for(short event, int timeout_ms) const {
+/// Waits for bytes. There is no need to ask for those that would be there already if a drain has just seen the last of
+/// them. A peer that shut down only its sending side leaves the socket readable for ever, without a byte to come.
+bool property_client_t::more_comes(int timeout_ms) {
+  return !stream_ended && (may_have_more || timeout_ms != 0) && events_within(POLLIN, timeout_ms) != 0;
+}
+
+/// Waits for one of the events and returns those that there are. A peer that has hung up gives none; nor does a closed
+/// descriptor, of which poll would only sleep.
+int property_client_t::events_within(short events, int timeout_ms) const {
   if (socket.fd < 0) {
-    return false;
+    return 0;
   }
-  pollfd watched{socket.fd, event, 0};
-  return poll_through_signals(watched, timeout_ms) > 0 && (watched.revents & event) != 0 &&
-         (watched.revents & POLLHUP) == 0;
+  pollfd watched{socket.fd, events, 0};
+  const bool any = poll_through_signals(watched, timeout_ms) > 0 && (watched.revents & POLLHUP) == 0;
+  return any ? watched.revents & events : 0;
 }
 
 }  // namespace zyl

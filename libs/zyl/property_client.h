@@ -85,6 +85,10 @@ class property_client_t : public property_client_intf_t {
   /// there are further bytes to look at. What the service wrote last before it closed is not read.
   bool receive(std::string& command, std::string& path, std::string& value, int timeout_ms);
 
+  /// Whether the last `receive` left nothing behind: no byte that waits for the rest of its frame, and nothing in the
+  /// socket when it looked. Who hears of readability from a loop need not call it again then.
+  bool exhausted() const { return !may_have_more && rx_buffer.empty(); }
+
   /// Whether the service has closed its end. The descriptor is then readable without end, so who watches it must stop.
   bool hung_up() const;
 
@@ -98,11 +102,18 @@ class property_client_t : public property_client_intf_t {
   };
 
   bool send(std::initializer_list<std::string_view> fields);
-  bool drain();
-  bool ready_for(short event, int timeout_ms) const;
+  void drain();
+  bool more_comes(int timeout_ms);
+  int events_within(short events, int timeout_ms) const;
 
   client_socket_t socket;
   property_frame_buffer_t rx_buffer;
+  /// The frame that is sent, for its memory.
+  std::string tx_frame;
+  /// Whether the last look at the socket may have left bytes in it.
+  bool may_have_more = false;
+  /// Whether nothing was sent since the socket was seen to have room.
+  bool may_send = false;
   bool stream_ended = false;
 };
 

@@ -34,7 +34,11 @@ inline constexpr std::size_t longest_property = 65535 - 3 * 2 - std::string_view
 /// 65535 bytes gives a corrupt frame. Any thread.
 std::string build_frame(std::initializer_list<std::string_view> fields);
 
-/// Bytes received and not yet framed. Each byte is moved a bounded number of times, whatever a peer sends. One thread.
+/// Puts that frame behind `bytes`, whose memory can so be used again.
+void append_frame(std::string& bytes, std::initializer_list<std::string_view> fields);
+
+/// Bytes received and not yet framed. Each byte is moved a bounded number of times, whatever a peer sends; once it has
+/// grown to what is usual, a frame costs no memory. One thread.
 class property_frame_buffer_t {
  public:
   /// Adds what was received.
@@ -44,8 +48,12 @@ class property_frame_buffer_t {
   /// broken frames are skipped so.
   void resynchronise();
 
-  /// Takes the frame at the front and returns its fields; a truncated last field is dropped. Nothing while the frame
-  /// is not whole. The buffer must be synchronised.
+  /// Takes the frame at the front and returns its fields; a truncated last field is dropped. Null while the frame is
+  /// not whole. The buffer must be synchronised. The fields lie in the buffer: they are gone with the next `append`,
+  /// `next_frame` or `clear`.
+  const std::vector<std::string_view>* next_frame();
+
+  /// `next_frame`, with fields to keep.
   std::optional<std::vector<std::string>> take_frame();
 
   /// Whether no byte is left.
@@ -55,10 +63,10 @@ class property_frame_buffer_t {
 
  private:
   std::string_view unread() const { return std::string_view(bytes).substr(taken); }
-  void skip(std::size_t count);
 
   std::string bytes;
   std::size_t taken = 0;
+  std::vector<std::string_view> fields;
 };
 
 }  // namespace zyl

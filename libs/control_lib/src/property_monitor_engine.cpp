@@ -87,12 +87,13 @@ void property_monitor_engine_t::on_socket_event(evutil_socket_t /*fd*/, short /*
 void property_monitor_engine_t::poll() {
   const zyl::lock_t lock(mutex);
   log_debug_s() << "property_monitor_eb_t::poll";
-  std::string command;
-  std::string path;
-  std::string value;
+  auto& [command, path, value] = received;
   while (client.receive(command, path, value, 0)) {
     log_debug_s() << "property_monitor_eb_t::on_socket_event " << command << ' ' << path << ' ' << value;
     dispatch(command, path, value);
+    if (client.exhausted()) {
+      return;  // what comes later makes the descriptor ready again
+    }
   }
   // A descriptor that was hung up would wake the loop without end.
   if (client.hung_up()) {

@@ -39,6 +39,11 @@ class property_monitor_engine_t : public property_monitor_eb_t, public session_t
   struct event_deleter_t {
     void operator()(event* freed) const;
   };
+  struct message_t {
+    std::string command;
+    std::string path;
+    std::string value;
+  };
   using send_t = void (property_monitor_engine_t::*)(const std::string& path);
 
   void schedule(send_t send, const std::string& path);
@@ -54,6 +59,8 @@ class property_monitor_engine_t : public property_monitor_eb_t, public session_t
   std::unordered_map<std::string, std::list<property_observer_eb_t*>> observers ZYL_GUARDED_BY(mutex);
   std::unordered_set<std::string> answered ZYL_GUARDED_BY(mutex);
   zyl::property_client_t client ZYL_GUARDED_BY(mutex);
+  /// The message that is being read, for its memory.
+  message_t received ZYL_GUARDED_BY(mutex);
   std::unique_ptr<event, event_deleter_t> socket_event ZYL_GUARDED_BY(mutex);
   /// What a posted call holds weakly, to find out whether this object still lives.
   std::shared_ptr<property_monitor_engine_t*> self;

@@ -36,11 +36,11 @@ void PropertyMonitor::setValue(const QByteArray& path, const QByteArray& value) 
 }
 
 void PropertyMonitor::readReady(int /*descriptor*/) {
-  std::string command;
-  std::string path;
-  std::string value;
-  while (client.receive(command, path, value, 0)) {
-    take(command, bytesOf(path), bytesOf(value));
+  while (client.receive(received.command, received.path, received.value, 0)) {
+    take(received.command, bytesOf(received.path), bytesOf(received.value));
+    if (client.exhausted()) {
+      return;  // what comes later makes the descriptor ready again
+    }
   }
   // A descriptor that was hung up would wake the loop without end.
   if (client.hung_up()) {

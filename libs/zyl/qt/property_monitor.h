@@ -40,7 +40,15 @@ class PropertyMonitor : public QObject {
   Q_SLOT void readReady(int descriptor);
   void take(const std::string& command, const QByteArray& path, const QByteArray& value);
 
+  struct Message {
+    std::string command;
+    std::string path;
+    std::string value;
+  };
+
   zyl::property_client_t client;
+  /// The message that is being read, for its memory.
+  Message received;
   QMap<QByteArray, QByteArray> values;
   std::unique_ptr<QSocketNotifier> notifier;
 };

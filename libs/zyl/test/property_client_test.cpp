@@ -170,6 +170,48 @@ TEST_F(PropertyClient, OneCallDrainsABoundedNumberOfBytes) {
   EXPECT_EQ(waiting_bytes(), 100'000 - 65'536);
 }
 
+TEST_F(PropertyClient, LongestFrameComesWithOneCallThoughItNeedsTwoDrains) {
+  const std::string frame = zyl::build_frame({"changed", "/a", std::string(65535 - 2 - 7 - 2 - 2 - 2, 'v')});
+  ASSERT_GT(frame.size(), 65'536U);
+  service.send_bytes(frame);
+  ASSERT_EQ(waiting_bytes(), static_cast<int>(frame.size()));
+  EXPECT_TRUE(receive(0).received);
+  EXPECT_TRUE(client.exhausted());
+}
+
+TEST_F(PropertyClient, IsExhaustedOnceNothingIsLeftBehind) {
+  EXPECT_TRUE(client.exhausted());
+  service.send_bytes(zyl::build_frame({"changed", "/a", "1"}) + zyl::build_frame({"changed", "/a", "2"}));
+  EXPECT_EQ(receive(0), changed("/a", "1"));
+  EXPECT_FALSE(client.exhausted());
+  EXPECT_EQ(receive(0), changed("/a", "2"));
+  EXPECT_TRUE(client.exhausted());
+  service.send_bytes(zyl::build_frame({"changed", "/a", "3"}) + "ipc_m");
+  EXPECT_EQ(receive(0), changed("/a", "3"));
+  EXPECT_FALSE(client.exhausted());
+}
+
+TEST_F(PropertyClient, IsNotExhaustedWhileTheSocketMayHoldMore) {
+  const std::string front = zyl::build_frame({"changed", "/a", "1"});
+  std::string bytes = front;
+  while (bytes.size() + front.size() <= 65'536) {
+    bytes += front;
+  }
+  bytes.insert(0, 65'536 - bytes.size(), 'x');
+  service.send_bytes(bytes + front);
+  ASSERT_EQ(waiting_bytes(), static_cast<int>(bytes.size() + front.size()));
+  EXPECT_EQ(receive(0), changed("/a", "1"));
+  EXPECT_EQ(waiting_bytes(), static_cast<int>(front.size()));
+  EXPECT_FALSE(client.exhausted());
+}
+
+TEST_F(PropertyClient, RequestBehindAnAnswerFailsIfTheServiceHasGoneMeanwhile) {
+  service.send({"changed", "/a", "1"});
+  EXPECT_EQ(receive(0), changed("/a", "1"));
+  service.close_clients();
+  EXPECT_FALSE(client.set("/a", "2"));
+}
+
 TEST_F(PropertyClient, FloodOfMessagesAllArrive) {
   constexpr int count = 20'000;
   std::thread sender([&] {

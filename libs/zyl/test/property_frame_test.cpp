@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 using testing::ElementsAre;
@@ -101,4 +102,26 @@ TEST(PropertyFrame, ClearForgetsHalfAFrame) {
   EXPECT_TRUE(buffer.empty());
   buffer.append(zyl::build_frame({"get", "/a"}));
   EXPECT_THAT(buffer.take_frame(), Optional(ElementsAre("get", "/a")));
+}
+
+TEST(PropertyFrame, IsPutBehindTheBytesThatAreThere) {
+  std::string bytes = zyl::build_frame({"get", "/a"});
+  zyl::append_frame(bytes, {"get", "/b"});
+  EXPECT_THAT(frames_in(bytes), ElementsAre(ElementsAre("get", "/a"), ElementsAre("get", "/b")));
+}
+
+TEST(PropertyFrame, FieldsInTheBufferStayWhileFramesBehindThemArePassedOver) {
+  zyl::property_frame_buffer_t buffer;
+  buffer.append(zyl::build_frame({"changed", "/a", "1"}) + "junk" + zyl::build_frame({}) + "ipc_ma");
+  const auto* fields = buffer.next_frame();
+  ASSERT_NE(fields, nullptr);
+  const std::vector<std::string_view> kept = *fields;
+  buffer.resynchronise();
+  fields = buffer.next_frame();
+  ASSERT_NE(fields, nullptr);
+  EXPECT_THAT(*fields, IsEmpty());
+  buffer.resynchronise();
+  EXPECT_EQ(buffer.next_frame(), nullptr);
+  EXPECT_FALSE(buffer.empty());
+  EXPECT_THAT(kept, ElementsAre("changed", "/a", "1"));
 }
