@@ -37,11 +37,21 @@ property_connection_t::property_connection_t(event_base* base, descriptor_t conn
   event_add(readable.get(), nullptr);
 }
 
-void property_connection_t::send_bytes(std::string_view bytes) {
-  if (ending) {
-    return;
+void property_connection_t::send(std::initializer_list<std::string_view> fields) {
+  if (!ending) {
+    zyl::append_frame(pending, fields);
+    send_pending();
   }
-  pending += bytes;
+}
+
+void property_connection_t::send_bytes(std::string_view bytes) {
+  if (!ending) {
+    pending += bytes;
+    send_pending();
+  }
+}
+
+void property_connection_t::send_pending() {
   if (!flush() || pending.size() > pending_limit) {
     end_later();
   }
@@ -86,8 +96,8 @@ bool property_connection_t::receive() {
 void property_connection_t::handle_requests() {
   while (!ending && may_read()) {
     frames.resynchronise();
-    const auto fields = frames.take_frame();
-    if (!fields) {
+    const auto* fields = frames.next_frame();
+    if (fields == nullptr) {
       event_add(readable.get(), nullptr);
       return;
     }

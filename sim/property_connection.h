@@ -24,7 +24,8 @@ class property_connection_t {
   static constexpr std::size_t answers_limit = 256 * 1024;
   static constexpr std::size_t pending_limit = 4 * 1024 * 1024;
 
-  using fields_t = std::vector<std::string>;
+  /// Texts that lie in the connection's buffer: they are good for the call that gives them.
+  using fields_t = std::vector<std::string_view>;
   using request_handler_t = std::function<void(property_connection_t& client, const fields_t& fields)>;
   using end_handler_t = std::function<void(property_connection_t& client)>;
 
@@ -33,7 +34,7 @@ class property_connection_t {
   property_connection_t(event_base* base, descriptor_t socket, request_handler_t on_request, end_handler_t on_end);
 
   /// Sends a frame, now or when the client takes it.
-  void send(std::initializer_list<std::string_view> fields) { send_bytes(zyl::build_frame(fields)); }
+  void send(std::initializer_list<std::string_view> fields);
 
   /// Sends bytes that may be no frame.
   void send_bytes(std::string_view bytes);
@@ -47,6 +48,7 @@ class property_connection_t {
   static void on_readable(evutil_socket_t fd, short events, void* self);
   static void on_writable(evutil_socket_t fd, short events, void* self);
   bool receive();
+  void send_pending();
   bool flush();
   void handle_requests();
   bool may_read() const { return pending.size() < answers_limit; }

@@ -24,9 +24,7 @@ std::string junk() {
   return bytes;
 }
 
-std::string quoted(const std::string& value) { return '"' + value + '"'; }
-
-bool fits_response(const std::string& path, const std::string& value) {
+bool fits_response(std::string_view path, std::string_view value) {
   return path.size() + value.size() <= zyl::longest_property;
 }
 
@@ -101,37 +99,37 @@ void property_service_t::create(property_connection_t& /*client*/, const fields_
 }
 
 void property_service_t::get(property_connection_t& client, const fields_t& fields) {
-  const auto& path = fields[1];
+  const auto path = fields[1];
   const std::string* found = tree.find(path);
   if (found == nullptr) {
-    tell(client, path, " reads " + path + ", which does not exist");
+    tell(client, {" reads ", path, ", which does not exist"}, path);
     client.send({"error", "no_property", path});
     return;
   }
-  tell(client, path, " reads " + path + ": " + quoted(*found));
+  tell(client, {" reads ", path, ": \"", *found, "\""}, path);
   client.send({"get_response", path, *found});
 }
 
 void property_service_t::set(property_connection_t& client, const fields_t& fields) {
-  const auto& path = fields[1];
-  const auto& value = fields[2];
+  const auto path = fields[1];
+  const auto value = fields[2];
   if (path.empty() || !fits_response(path, value)) {
     return;
   }
-  tell(client, path, " sets " + path + " to " + quoted(value));
+  tell(client, {" sets ", path, " to \"", value, "\""}, path);
   tree.set(path, value);
 }
 
 void property_service_t::monitor(property_connection_t& client, const fields_t& fields) {
-  tell(client, fields[1], " watches " + fields[1]);
-  client.watched.insert(fields[1]);
+  tell(client, {" watches ", fields[1]}, fields[1]);
+  client.watched.emplace(fields[1]);
 }
 
 void property_service_t::list(property_connection_t& client, const fields_t& fields) { send_below(client, fields[1]); }
 
 void property_service_t::get_all(property_connection_t& client, const fields_t& /*fields*/) { send_below(client, ""); }
 
-void property_service_t::send_below(property_connection_t& client, const std::string& path) {
+void property_service_t::send_below(property_connection_t& client, std::string_view path) {
   for (const auto& [found, value] : tree.below(path)) {
     client.send({"get_response", found, value});
   }
@@ -153,9 +151,10 @@ void property_service_t::send_junk() {
   }
 }
 
-void property_service_t::tell(const property_connection_t& client, const std::string& path, const std::string& text) {
+void property_service_t::tell(const property_connection_t& client, std::initializer_list<std::string_view> text,
+                              std::string_view path) {
   if (!path.starts_with("/sim/")) {
-    story.tell("property", client.name() + text);
+    story.tell("property", client.name(), text);
   }
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "sim/descriptor.h"
@@ -58,10 +60,10 @@ class property_service_t {
   void monitor(property_connection_t& client, const fields_t& fields);
   void list(property_connection_t& client, const fields_t& fields);
   void get_all(property_connection_t& client, const fields_t& fields);
-  void send_below(property_connection_t& client, const std::string& path);
+  void send_below(property_connection_t& client, std::string_view path);
   void send_change(const std::string& path, const std::string& value);
   void send_junk();
-  void tell(const property_connection_t& client, const std::string& path, const std::string& text);
+  void tell(const property_connection_t& client, std::initializer_list<std::string_view> text, std::string_view path);
 
   event_base* base;
   property_tree_t& tree;

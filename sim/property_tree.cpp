@@ -4,36 +4,43 @@
 
 namespace sim {
 
-void property_tree_t::publish(const std::string& path, const std::string& value) {
-  values[path] = value;
+void property_tree_t::publish(std::string_view path, std::string_view value) {
+  auto published = values.find(path);
+  if (published == values.end()) {
+    published = values.emplace(path, "").first;
+  }
+  published->second = value;
+  // A handler may publish another value; those after it still hear this one.
+  const std::string told(value);
   // By index over what there is now: a handler may add handlers.
   const std::size_t count = change_handlers.size();
   for (std::size_t i = 0; i < count; ++i) {
     const auto handler = change_handlers[i];
-    handler(path, value);
+    handler(published->first, told);
   }
 }
 
-void property_tree_t::set(const std::string& path, const std::string& value) {
+void property_tree_t::set(std::string_view path, std::string_view value) {
   publish(path, value);
   const auto found = set_handlers.find(path);
   if (found == set_handlers.end()) {
     return;
   }
   const auto handlers = found->second;
+  const std::string told(value);
   for (const auto& handler : handlers) {
-    handler(value);
+    handler(told);
   }
 }
 
-void property_tree_t::create(const std::string& path) { values.try_emplace(path); }
+void property_tree_t::create(std::string_view path) { values.try_emplace(std::string(path)); }
 
-std::string property_tree_t::value(const std::string& path) const {
+std::string property_tree_t::value(std::string_view path) const {
   const std::string* found = find(path);
   return found != nullptr ? *found : std::string();
 }
 
-const std::string* property_tree_t::find(const std::string& path) const {
+const std::string* property_tree_t::find(std::string_view path) const {
   const auto found = values.find(path);
   return found != values.end() ? &found->second : nullptr;
 }

@@ -20,19 +20,19 @@ class property_tree_t {
 
   /// Sets the value, creating the property where needed, and tells every change handler, also when the value is the
   /// one it had. Set handlers do not hear it.
-  void publish(const std::string& path, const std::string& value);
+  void publish(std::string_view path, std::string_view value);
 
   /// `publish`, then the path's set handlers: what a client's "set" does.
-  void set(const std::string& path, const std::string& value);
+  void set(std::string_view path, std::string_view value);
 
   /// Makes the property exist, with an empty value; nothing happens to one that exists. Nobody is told.
-  void create(const std::string& path);
+  void create(std::string_view path);
 
   /// The value; empty for a property that does not exist.
-  std::string value(const std::string& path) const;
+  std::string value(std::string_view path) const;
 
   /// The value; null for a property that does not exist. Valid until the next change.
-  const std::string* find(const std::string& path) const;
+  const std::string* find(std::string_view path) const;
 
   /// Calls `handler` with the value at every `set` of `path`, for the life of the tree.
   void on_set(const std::string& path, set_handler_t handler);
@@ -45,8 +45,8 @@ class property_tree_t {
   std::vector<std::pair<std::string, std::string>> below(std::string_view path) const;
 
  private:
-  std::map<std::string, std::string> values;
-  std::map<std::string, std::vector<set_handler_t>> set_handlers;
+  std::map<std::string, std::string, std::less<>> values;
+  std::map<std::string, std::vector<set_handler_t>, std::less<>> set_handlers;
   std::vector<change_handler_t> change_handlers;
 };
 

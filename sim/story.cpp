@@ -1,7 +1,10 @@
 #include "sim/story.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <ctime>
 #include <system_error>
@@ -15,12 +18,13 @@ int64_t monotonic_us() {
   return int64_t{now.tv_sec} * 1'000'000 + now.tv_nsec / 1000;
 }
 
+bool is_control(char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }
+
 }  // namespace
 
 std::string one_line(std::string_view text) {
   std::string line(text);
-  std::replace_if(
-      line.begin(), line.end(), [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }, ' ');
+  std::replace_if(line.begin(), line.end(), is_control, ' ');
   return line;
 }
 
@@ -36,13 +40,25 @@ story_t::story_t(const std::string& path) : file(path == "-" ? stdout : std::fop
   }
 }
 
-void story_t::tell(std::string_view actor, std::string_view text) {
-  const std::string line = std::to_string(monotonic_us()) + '\t' + std::string(actor) + '\t' + one_line(text) + '\n';
+void story_t::tell(std::string_view actor, std::string_view text, std::initializer_list<std::string_view> more) {
   const zyl::lock_t lock(mutex);
-  if (file) {
-    std::fwrite(line.data(), 1, line.size(), file.get());
-    std::fflush(file.get());
+  if (!file) {
+    return;
   }
+  std::array<char, 24> time{};
+  line.assign(time.data(), std::to_chars(time.begin(), time.end(), monotonic_us()).ptr);
+  line += '\t';
+  line += actor;
+  line += '\t';
+  const auto text_start = static_cast<std::ptrdiff_t>(line.size());
+  line += text;
+  for (const std::string_view piece : more) {
+    line += piece;
+  }
+  std::replace_if(line.begin() + text_start, line.end(), is_control, ' ');
+  line += '\n';
+  std::fwrite(line.data(), 1, line.size(), file.get());
+  std::fflush(file.get());
 }
 
 }  // namespace sim

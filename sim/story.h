@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -23,7 +24,10 @@ class story_t {
   explicit story_t(const std::string& path);
 
   /// Writes one line and flushes it. Control characters in `text` become blanks, so that a line stays a line.
-  void tell(std::string_view actor, std::string_view text);
+  void tell(std::string_view actor, std::string_view text) { tell(actor, text, {}); }
+
+  /// The same of a text in pieces.
+  void tell(std::string_view actor, std::string_view text, std::initializer_list<std::string_view> more);
 
  private:
   struct closer_t {
@@ -32,6 +36,8 @@ class story_t {
 
   zyl::mutex_t mutex;
   std::unique_ptr<std::FILE, closer_t> file ZYL_GUARDED_BY(mutex);
+  /// The line that is written, for its memory.
+  std::string line ZYL_GUARDED_BY(mutex);
 };
 
 /// `text` with each control character replaced by a blank.
