@@ -1,4 +1,4 @@
-# The three kinds of target that the project has.
+# The kinds of target that the project has.
 
 # What CTest puts in front of a test's command; environment and command follow.
 set(vgn_test_launcher ${CMAKE_SOURCE_DIR}/sim/sandbox run --build ${CMAKE_BINARY_DIR})
@@ -53,4 +53,16 @@ function(vgn_test name)
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT ${arg_TIMEOUT})
+endfunction()
+
+# vgn_bench(NAME SOURCES ... [LIBRARIES ...])
+#
+# A Google Benchmark program, which scripts/bench builds by the target "bench" and runs in a sandbox.
+function(vgn_bench name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
+  vgn_program(${name} SOURCES ${arg_SOURCES} LIBRARIES vgn_bench_support ${arg_LIBRARIES})
+  if(NOT TARGET bench)
+    add_custom_target(bench)
+  endif()
+  add_dependencies(bench ${name})
 endfunction()
