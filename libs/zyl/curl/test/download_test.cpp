@@ -113,3 +113,10 @@ TEST_F(DownloadTest, UrlThatIsNoneFails) {
   EXPECT_EQ(result->code, CURLE_URL_MALFORMAT);
   EXPECT_EQ(result->status, 0);
 }
+
+// A name is looked up on a thread of libcurl's own, which tells by a descriptor that it is done.
+TEST_F(DownloadTest, NameThatNobodyKnowsFails) {
+  start("http://nobody.invalid/");
+  ASSERT_TRUE(turn_until_result());
+  EXPECT_EQ(result->code, CURLE_COULDNT_RESOLVE_HOST);
+}
