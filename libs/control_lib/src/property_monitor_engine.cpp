@@ -1,5 +1,6 @@
 #include "control_lib/src/property_monitor_engine.h"
 
+#include "control_lib/src/event_base_manager.h"
 #include "zyl/log/module_logger.h"
 #include "zyl/post.h"
 
@@ -20,6 +21,9 @@ property_monitor_engine_t::property_monitor_engine_t(event_base* loop_base)
       self(std::make_shared<property_monitor_engine_t*>(this)) {
   property_monitor_engine_t::connect();
 }
+
+property_monitor_engine_t::property_monitor_engine_t(event_base_manager_t& worker)
+    : property_monitor_engine_t(worker.event_base()) {}
 
 void property_monitor_engine_t::connect() {
   const zyl::lock_t lock(mutex);

@@ -15,6 +15,8 @@
 
 namespace control_lib {
 
+class event_base_manager_t;
+
 /// The property monitor of an event loop: one connection, and the observers of each path. The session
 /// "property_monitor_engine_t".
 ///
@@ -24,6 +26,9 @@ class property_monitor_engine_t : public property_monitor_eb_t, public session_t
  public:
   /// Connects at once; `connect` can be tried again if that fails, which is logged.
   explicit property_monitor_engine_t(event_base* loop_base);
+
+  /// The same on the loop of a worker.
+  explicit property_monitor_engine_t(event_base_manager_t& worker);
 
   /// Sends for the paths that are registered already, on the caller's thread.
   void connect() override;

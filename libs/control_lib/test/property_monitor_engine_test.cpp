@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -11,6 +13,8 @@
 #include <tuple>
 #include <vector>
 
+#include "control_lib/src/event_base_manager.h"
+#include "control_lib/src/worker_manager_imp.h"
 #include "test_support/fake_property_service.h"
 #include "test_support/journal.h"
 #include "test_support/log_capture.h"
@@ -51,6 +55,14 @@ struct noting_observer_t : control_lib::property_observer_eb_t {
   test_support::journal_t& journal;
   const char* name;
   int heard = 0;
+};
+
+/// Promises the first value that it hears.
+struct promising_observer_t : control_lib::property_observer_eb_t {
+  void on_property(property_response_e /*kind*/, const std::string& /*path*/, const std::string& value) override {
+    told.set_value(value);
+  }
+  std::promise<std::string> told;
 };
 
 class PropertyMonitorEngine : public testing::Test {
@@ -106,6 +118,21 @@ class PropertyMonitorEngine : public testing::Test {
 TEST_F(PropertyMonitorEngine, IsASessionUnderTheNameOfItsClass) {
   property_monitor_engine_t engine(loop.base());
   EXPECT_EQ(control_lib::session_t::find("property_monitor_engine_t"), &engine);
+}
+
+TEST_F(PropertyMonitorEngine, ListensOnTheLoopOfAWorker) {
+  control_lib::worker_manager_imp_t manager;
+  control_lib::event_base_manager_t worker(manager);
+  property_monitor_engine_t engine(worker);
+  promising_observer_t waiting;
+  engine.monitor("/p", &waiting);
+  manager.start_all();
+  EXPECT_TRUE(service->hears({"monitor", "/p"}));
+  service->send({"changed", "/p", "1"});
+  auto told = waiting.told.get_future();
+  ASSERT_EQ(told.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+  EXPECT_EQ(told.get(), "1");
+  manager.stop_all();
 }
 
 TEST_F(PropertyMonitorEngine, CreatesGetsAndMonitorsANewPath) {
