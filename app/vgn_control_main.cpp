@@ -7,6 +7,7 @@
 
 #include "app/message_handler.h"
 #include "app/vgn_control.h"
+#include "zyl/fatal_signal.h"
 #include "zyl/log/setup_logging.h"
 
 namespace vgn_control {
@@ -23,6 +24,7 @@ class SyslogConnection {
 };
 
 int run(int argc, char** argv) {
+  zyl::install_fatal_signal_handler(argv[0]);
   zyl::setup_logging("vgn_control", true, "");
   const SyslogConnection syslog_connection;
   qInstallMessageHandler(messageHandler);

@@ -1,5 +1,6 @@
 #include "app/vgn_control_main.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,20 +25,42 @@
 #include <utility>
 #include <vector>
 
+#include "test_support/crash_report.h"
 #include "test_support/fake_property_service.h"
 #include "test_support/fake_syslog.h"
 
-/// Takes the place of the C library's, which leaves nothing to see.
-void closelog() {
-  constexpr std::string_view told = "closelog\n";
-  [[maybe_unused]] const ssize_t ignored = write(STDOUT_FILENO, told.data(), told.size());
+namespace {
+
+void tell(std::string_view line) {
+  [[maybe_unused]] const ssize_t ignored = write(STDOUT_FILENO, line.data(), line.size());
+}
+
+}  // namespace
+
+// These take the place of the C library's, which leave nothing to see.
+
+void closelog() { tell("closelog\n"); }
+
+/// Called by the set-up of the logs, the first thing behind the fatal-signal reporter, and for the message handler.
+void openlog(const char* ident, int option, int facility) {
+  struct sigaction action {};
+  sigaction(SIGSEGV, nullptr, &action);
+  tell(action.sa_handler != SIG_DFL ? "openlog, reporter installed\n" : "openlog, no reporter\n");
+  reinterpret_cast<decltype(&openlog)>(dlsym(RTLD_NEXT, "openlog"))(ident, option, facility);
 }
 
 namespace {
 
+using test_support::only_report_in;
+using test_support::second_crash_log;
 using testing::AllOf;
+using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
+
+const std::string aborted = "SIGABRT (abnormal termination)";
 
 /// The program, started in a child process; its standard output and standard error go to one file.
 class program_t {
@@ -72,11 +95,6 @@ class program_t {
   // The signal that ended it after it was sent `signal`, 0 if none did.
   int end_by(int signal) {
     kill(child, signal);
-    return end();
-  }
-
-  // Waits for its end; the signal that ended it, 0 if none did.
-  int end() {
     int status = 0;
     waitpid(child, &status, 0);
     child = -1;
@@ -229,8 +247,28 @@ void failToMakeTheCoordinator() {
 
 TEST_F(VgnControlMainRunning, AnExceptionOfTheCoordinatorEndsItWithTheLogClosed) {
   program_t& program = launch({}, failToMakeTheCoordinator);
-  EXPECT_EQ(program.end(), SIGABRT);
+  EXPECT_EQ(program.exit_code(), 1);
   EXPECT_THAT(program_t::output(), AllOf(HasSubstr("closelog\n"), HasSubstr("no category")));
+  EXPECT_EQ(only_report_in(second_crash_log).signal, aborted);
+}
+
+TEST(VgnControlMain, AFatalMessageIsLoggedAndReported) {
+  test_support::fake_syslog_t syslog;
+  program_t program({}, [] { qAddPreRoutine([] { qFatal("no picture"); }); });
+  EXPECT_EQ(program.exit_code(), 1);
+  const std::string output = program_t::output();
+  EXPECT_THAT(output, AllOf(HasSubstr(" : no picture\n"), HasSubstr(test_support::crash_report_trailer)));
+  EXPECT_THAT(syslog.take(), ElementsAre(AllOf(StartsWith("<9>"), EndsWith("vgn_control: no picture"))));
+  const auto report = only_report_in(second_crash_log);
+  EXPECT_EQ(report.program, "vgn_control");
+  EXPECT_EQ(report.signal, aborted);
+  EXPECT_EQ(report.code, "(unknown code)");
+}
+
+TEST(VgnControlMain, TakesTheFatalSignalsBeforeAnythingElse) {
+  program_t program({"--help"});
+  EXPECT_EQ(program.exit_code(), 0);
+  EXPECT_THAT(program_t::output(), AllOf(HasSubstr("openlog, reporter installed\n"), Not(HasSubstr("no reporter"))));
 }
 
 /// The program as it is in service: the bus tells that no engine runs, and there is neither streamer nor engine.

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 
 namespace scenarios {
 namespace {
@@ -80,6 +81,13 @@ void DaemonScenario::launch_daemon(const std::map<std::string, std::string>& env
 void DaemonScenario::start_daemon() {
   launch_daemon();
   expect_splash_ready();
+}
+
+int DaemonScenario::crash_daemon(int signal) {
+  daemon().send_signal(signal);
+  const std::optional<int> status = daemon().wait(end_limit);
+  running_daemon.reset();
+  return status.value_or(-1);
 }
 
 void DaemonScenario::expect_splash_ready() {

@@ -31,6 +31,9 @@ class DaemonScenario : public testing::Test {
   /// Starts the daemon and waits until the engine, the driver and the splash provider have heard from it.
   void start_daemon();
 
+  /// Sends the daemon a fatal signal and returns its exit status, as a shell tells it. There is none from then on.
+  int crash_daemon(int signal);
+
   /// Waits until the splash decoder of each output is configured.
   void expect_splash_ready();
 

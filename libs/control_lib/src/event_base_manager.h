@@ -16,6 +16,9 @@ namespace control_lib {
 /// and has not run stays for the next time.
 class event_base_manager_t : public worker_t {
  public:
+  /// libevent's type, whose name the accessor has here.
+  using base_t = ::event_base;
+
   /// `manager` and `description` as every worker has them.
   explicit event_base_manager_t(worker_manager_t& manager, const char* description = "event_base_manager_t");
 
@@ -39,7 +42,7 @@ class event_base_manager_t : public worker_t {
   void start() { running = true; }
 
   /// Lives as long as this worker.
-  struct ::event_base* event_base() const { return base; }
+  base_t* event_base() const { return base; }
 
   /// libevent's list of the base's events, for people. Any thread.
   std::string dump_events() const;
@@ -51,7 +54,7 @@ class event_base_manager_t : public worker_t {
  private:
   void take_result(int result);
 
-  struct ::event_base* base;
+  base_t* base;
   std::atomic<bool> running{true};
 };
 

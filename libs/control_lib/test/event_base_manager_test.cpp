@@ -281,7 +281,8 @@ const status_entry_t& find(const status_entry_t& tree, const std::vector<std::st
 
 TEST_F(EventBaseManager, ListsItsEventsForPeople) {
   const std::string without = worker.dump_events();
-  event* waiting = event_new(worker.event_base(), STDIN_FILENO, EV_PERSIST, [](evutil_socket_t, short, void*) {}, this);
+  event* waiting = event_new(
+      worker.event_base(), STDIN_FILENO, EV_PERSIST, [](evutil_socket_t, short, void*) {}, this);
   const timeval long_time{3600, 0};
   event_add(waiting, &long_time);
   const std::string with = worker.dump_events();

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "control_lib/test/stub_workers.h"
+#include "control_lib/test/stub_worker.h"
 
 using control_lib::session_t;
 using control_lib::stub_worker_t;

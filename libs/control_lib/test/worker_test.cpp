@@ -15,7 +15,8 @@
 #include <string>
 #include <system_error>
 
-#include "control_lib/test/stub_workers.h"
+#include "control_lib/src/worker_manager_imp.h"
+#include "control_lib/test/stub_worker.h"
 #include "test_support/log_capture.h"
 
 using control_lib::stub_worker_t;
@@ -87,8 +88,8 @@ TEST_F(Worker, RunsWithoutAFileWhereThereIsNoFolder) {
 TEST_F(Worker, ThatThrowsAnExceptionLogsItsTextAndRemovesItsFile) {
   stub_worker_t worker(manager, "video loop");
   const int thread = run(worker, [] { throw std::runtime_error("no picture"); });
-  EXPECT_THAT(log.lines(), ElementsAre("Worker [video loop(" + std::to_string(thread) +
-                                       ") died from an exception: no picture"));
+  EXPECT_THAT(log.lines(),
+              ElementsAre("Worker [video loop(" + std::to_string(thread) + ") died from an exception: no picture"));
   EXPECT_EQ(log.entries()[0].level, spdlog::level::err);
   EXPECT_TRUE(std::filesystem::is_empty(folder));
 }

@@ -2,11 +2,9 @@
 
 #include <functional>
 #include <future>
-#include <string>
-#include <utility>
 
 #include "control_lib/src/worker.h"
-#include "control_lib/src/worker_manager_imp.h"
+#include "control_lib/src/worker_manager.h"
 
 namespace control_lib {
 
