@@ -3,6 +3,7 @@
 #include <spdlog/sinks/stdout_color_sinks.h>
 #include <spdlog/spdlog.h>
 
+#include <list>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -13,10 +14,18 @@
 namespace zyl {
 namespace {
 
+// A crash runs the exit handlers while other threads go on and log. The registry ends there; the loggers must not.
+void keep_for_ever(const std::shared_ptr<spdlog::logger>& logger) {
+  using loggers_t = std::list<std::shared_ptr<spdlog::logger>>;
+  static loggers_t* const kept = std::make_unique<loggers_t>().release();
+  kept->push_back(logger);
+}
+
 void install_default_logger() {
   auto logger = std::make_shared<spdlog::logger>("default", std::make_shared<spdlog::sinks::stdout_color_sink_mt>());
   logger->set_pattern(log_patterns::full);
   logger->set_level(spdlog::level::info);
+  keep_for_ever(logger);
   spdlog::set_default_logger(std::move(logger));
 }
 
@@ -26,6 +35,7 @@ std::shared_ptr<spdlog::logger> make_logger(const std::string& name) {
   auto logger = std::make_shared<spdlog::logger>(name, sinks.begin(), sinks.end());
   logger->set_level(spdlog::level::info);
   spdlog::register_logger(logger);
+  keep_for_ever(logger);
   return logger;
 }
 

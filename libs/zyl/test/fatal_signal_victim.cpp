@@ -108,14 +108,35 @@ class deadly_sink_t : public spdlog::sinks::base_sink<std::mutex> {
 };
 
 // Older than the exit handler, so that it is still there when that logs.
-spdlog::logger& deadly_logger = zyl::module_logger("victim");
+spdlog::logger& victim_logger = zyl::module_logger("victim");
 
-void log() { zyl::log_base_s(deadly_logger, spdlog::level::err) << "a line"; }
+void log() { zyl::log_base_s(victim_logger, spdlog::level::err) << "a line"; }
 
 void crash_in_logger() {
-  deadly_logger.sinks() = {std::make_shared<deadly_sink_t>()};
+  victim_logger.sinks() = {std::make_shared<deadly_sink_t>()};
   when_exiting = log;
   log();
+}
+
+// --- crashes that other threads outlive ---
+
+/// Tells what is logged.
+class telling_sink_t : public spdlog::sinks::base_sink<std::mutex> {
+ protected:
+  void sink_it_(const spdlog::details::log_msg& message) override {
+    tell(std::string(message.payload.data(), message.payload.size()) + "\n");
+  }
+  void flush_() override {}
+};
+
+void (*when_all_is_destroyed)() = [] {};
+
+[[gnu::destructor]] void behind_the_exit_handlers() { when_all_is_destroyed(); }
+
+void crash_and_log_late() {
+  victim_logger.sinks() = {std::make_shared<telling_sink_t>()};
+  when_all_is_destroyed = log;
+  touch_forbidden();
 }
 
 // --- the rest ---
@@ -156,10 +177,10 @@ struct static_object_t {
 };
 
 const std::map<std::string, void (*)()> crashes{
-    {"unmapped", touch_unmapped},         {"forbidden", touch_forbidden},  {"bus", touch_behind_the_file},
-    {"illegal", run_illegal_instruction}, {"abort", [] { std::abort(); }}, {"thread", touch_on_another_thread},
-    {"malloc", crash_in_malloc},          {"logger", crash_in_logger},     {"float", [] { std::raise(SIGFPE); }},
-    {"twice", crash_and_raise_again},     {"no_name", touch_forbidden},
+    {"unmapped", touch_unmapped},          {"forbidden", touch_forbidden},   {"bus", touch_behind_the_file},
+    {"illegal", run_illegal_instruction},  {"abort", [] { std::abort(); }},  {"thread", touch_on_another_thread},
+    {"malloc", crash_in_malloc},           {"logger", crash_in_logger},      {"late_log", crash_and_log_late},
+    {"float", [] { std::raise(SIGFPE); }}, {"twice", crash_and_raise_again}, {"no_name", touch_forbidden},
 };
 
 }  // namespace
