@@ -85,7 +85,7 @@ inline std::string file_content(const std::filesystem::path& path) {
 inline crash_report_t only_report_in(const char* path) {
   const std::string content = file_content(path);
   crash_report_reader_t reader(content);
-  const crash_report_t read = reader.report();
+  crash_report_t read = reader.report();
   EXPECT_EQ(reader.unread(), "") << "behind the report in " << path;
   return read;
 }

@@ -400,7 +400,7 @@ TEST_F(FatalSignal, HandlerTakesFourSignalsAndBlocksAll) {
   for (const int signal : {SIGILL, SIGSEGV, SIGBUS, SIGABRT}) {
     const auto action = action_of(signal);
     EXPECT_NE(action.sa_flags & SA_SIGINFO, 0);
-    EXPECT_EQ(action.sa_flags & (SA_RESETHAND | SA_NODEFER), 0);
+    EXPECT_EQ(static_cast<unsigned>(action.sa_flags) & (SA_RESETHAND | SA_NODEFER), 0U);
     for (int blocked = 1; blocked < NSIG; ++blocked) {
       // Nobody can block these two.
       if (blocked != SIGKILL && blocked != SIGSTOP) {
