@@ -1,10 +1,10 @@
 #include "zyl/process.h"
 
-#include <signal.h>
 #include <sys/wait.h>
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <string>
 #include <thread>
 

@@ -1,12 +1,12 @@
 #include "zyl/signals.h"
 
 #include <pthread.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 
 #include "zyl/exceptions.h"
 

@@ -26,12 +26,6 @@ TEST(EventLoop, RunsWithoutAnyEventUntilStoppedFromAnotherThread) {
   EXPECT_TRUE(ran);
 }
 
-TEST(EventLoop, HasItsBaseAndMayHaveAResolver) {
-  const zyl::event_loop_t loop;
-  EXPECT_NE(loop.base(), nullptr);
-  EXPECT_EQ(loop.dns_base(), loop.dns_base());
-}
-
 TEST(EventLoop, StopTwiceBeforeRunEndsItOnce) {
   zyl::event_loop_t loop;
   loop.stop();

@@ -1,11 +1,11 @@
 #include "zyl/process.h"
 
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <string>
 
 #include "zyl/exceptions.h"

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 #include <pthread.h>
-#include <signal.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
