@@ -233,14 +233,14 @@ class link_changed : public vgn_zsd_fixture {
 };
 
 TEST_F(link_changed, is_raised_on_outputs_with_the_bits_of_the_event) {
-  for (const uint32_t type : {5, 6, 7, 8}) {
+  for (const uint32_t type : {5U, 6U, 7U, 8U}) {
     interface->link_changed(20, type);
   }
   EXPECT_THAT(events, ElementsAre("output 20 bits 1", "output 20 bits 2", "output 20 bits 4", "output 20 bits 8"));
 }
 
 TEST_F(link_changed, is_raised_on_inputs_with_the_bits_of_the_event) {
-  for (const uint32_t type : {1, 2, 3}) {
+  for (const uint32_t type : {1U, 2U, 3U}) {
     interface->link_changed(1, type);
   }
   EXPECT_THAT(events, ElementsAre("input 1 bits 16", "input 1 bits 32", "input 1 bits 64"));

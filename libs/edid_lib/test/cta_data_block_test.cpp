@@ -18,7 +18,8 @@ namespace {
 
 template <typename T>
 bool is(const std::unique_ptr<cta_data_block_t>& block) {
-  return block != nullptr && typeid(*block) == typeid(T);
+  const cta_data_block_t* const made = block.get();
+  return made != nullptr && typeid(*made) == typeid(T);
 }
 
 std::unique_ptr<cta_data_block_t> make(uint8_t tag, std::initializer_list<uint8_t> payload = {}) {

@@ -222,7 +222,7 @@ TEST(Edid, AcceptsNoVisitor) {
 
 TEST(Edid, OfAnySizeOrContentIsParsedAndRead) {
   std::mt19937 random(20);  // NOLINT(cert-msc51-cpp): the same bytes in every run
-  for (const std::size_t size : {0, 1, 17, 127, 128, 129, 130, 255, 256, 257, 384}) {
+  for (const std::size_t size : {0U, 1U, 17U, 127U, 128U, 129U, 130U, 255U, 256U, 257U, 384U}) {
     for (int i = 0; i < 100; ++i) {
       expect_consistent(random_bytes(random, size));
     }

@@ -82,7 +82,7 @@ TEST_F(streamer_requests, read_a_name_that_fills_its_field) {
 }
 
 TEST_F(streamer_requests, read_an_edid_of_any_size) {
-  for (const size_t size : {0, 1, 128, 384}) {
+  for (const size_t size : {0U, 1U, 128U, 384U}) {
     std::vector<uint8_t> plugged(size);
     std::iota(plugged.begin(), plugged.end(), uint8_t{1});
     driver.outputs[20].edid = plugged;

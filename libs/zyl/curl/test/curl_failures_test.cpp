@@ -46,7 +46,8 @@ CURLcode __wrap_curl_global_init(long flags) {
 
 CURL* __wrap_curl_easy_init() { return failing == "curl_easy_init" ? nullptr : __real_curl_easy_init(); }
 
-CURLcode __wrap_curl_easy_getinfo(CURL* easy, CURLINFO info, ...) {
+// The number of the option, because what stands in front of variable arguments must not be an enumeration.
+CURLcode __wrap_curl_easy_getinfo(CURL* easy, unsigned info, ...) {
   va_list arguments;
   va_start(arguments, info);
   void* const told = va_arg(arguments, void*);
@@ -55,7 +56,7 @@ CURLcode __wrap_curl_easy_getinfo(CURL* easy, CURLINFO info, ...) {
       (failing == "CURLINFO_EFFECTIVE_URL" && info == CURLINFO_EFFECTIVE_URL)) {
     return CURLE_UNKNOWN_OPTION;
   }
-  return __real_curl_easy_getinfo(easy, info, told);
+  return __real_curl_easy_getinfo(easy, static_cast<CURLINFO>(info), told);
 }
 
 CURLM* __wrap_curl_multi_init() { return failing == "curl_multi_init" ? nullptr : __real_curl_multi_init(); }
