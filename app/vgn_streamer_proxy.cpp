@@ -27,17 +27,6 @@ constexpr const char* disconnected_image = "/var/run/xk-graphics/disconnected_im
 // Connection and disconnection; the other events of an output come from what the proxy itself does to it.
 constexpr uint32_t connection_bits = control_lib::output_connection_event | control_lib::output_disconnection_event;
 
-constexpr const char* max_resolution = "3840x2160@60";
-constexpr const char* min_resolution = "640x480@59.94";
-
-// The third default mode and the names of the EDID store stand beside the limits; nothing here opens them.
-[[maybe_unused]] constexpr const char* default_resolution = "1920x1080@60";
-[[maybe_unused]] constexpr const char* supported_resolutions_file = "supported_resolutions.json";
-[[maybe_unused]] constexpr const char* unsupported_resolutions_file = "unsupported_resolutions.json";
-[[maybe_unused]] constexpr const char* media_edid_folder = "/media/media/EDIDs/";
-[[maybe_unused]] constexpr const char* system_edid_folder = "/usr/zyl/EDIDs/";
-[[maybe_unused]] constexpr const char* edid_file_4k60 = "4k60.zedid";
-
 int hdmi_outputs_of_model() {
   switch (zyl::platform_t::get().part()) {
     case 137:
@@ -59,15 +48,6 @@ void make_timing_tables() {
   edid_lib::dmt_timings();
   edid_lib::cta_timings();
   edid_lib::hdmi_timings();
-}
-
-edid_lib::tarn_filter_resolution_t usable_modes() {
-  edid_lib::tarn_filter_resolution_t filter;
-  filter.allow_interlaced = false;
-  filter.allow_non_square = false;
-  filter.max_resolution = edid_lib::vid_resolution_t(max_resolution);
-  filter.min_resolution = edid_lib::vid_resolution_t(min_resolution);
-  return filter;
 }
 
 }  // namespace
@@ -225,7 +205,7 @@ void vgn_streamer_proxy::display_connected(int hdmi_index) {
     return;
   }
   edid_lib::edid_t edid(std::move(bytes));
-  const auto modes = usable_modes().modes(edid);
+  const auto modes = edid_lib::output_connection_filter().modes(edid);
   if (modes.empty()) {
     log_error_s() << "vgn_streamer_proxy::on_output_connection empty modes list";
     return;

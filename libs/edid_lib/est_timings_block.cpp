@@ -1,5 +1,6 @@
 #include "edid_lib/est_timings_block.h"
 
+#include "edid_lib/default_modes.h"
 #include "edid_lib/timing_tables.h"
 #include "edid_lib/visitor.h"
 
@@ -29,7 +30,7 @@ est_timings_block_t::est_timings_block_t(std::span<const uint8_t> block_bytes) :
 }
 
 const vid_resolution_t& est_timings_block_t::required_mode() {
-  static const vid_resolution_t required("640x480@60");
+  static const vid_resolution_t required(resolution_of_every_display);
   return required;
 }
 

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <utility>
 
+#include "edid_lib/default_modes.h"
 #include "edid_lib/timing_lookup.h"
 #include "edid_lib/visitor_modes.h"
 #include "edid_lib/visitor_renderer.h"
@@ -87,7 +88,7 @@ edid_t tarn_filter_resolution_t::filtered_edid(const edid_t& edid) const {
   edid_t filtered(edid);
   std::vector<vid_resolution_t> usable = modes(filtered);
   if (usable.empty()) {
-    usable.emplace_back(established_timing(vid_resolution_t(mode_of_every_display)));
+    usable.emplace_back(established_timing(vid_resolution_t(resolution_of_every_display)));
   }
   visitor_modes_t writer(std::move(usable));
   writer.write(&filtered);
@@ -115,8 +116,8 @@ std::string_view tarn_filter_resolution_t::reason_text(refusal_reason_t reason) 
 
 tarn_filter_resolution_t output_connection_filter() {
   tarn_filter_resolution_t filter;
-  filter.max_resolution = vid_resolution_t(greatest_output_mode);
-  filter.min_resolution = vid_resolution_t(least_output_mode);
+  filter.max_resolution = vid_resolution_t(max_output_resolution);
+  filter.min_resolution = vid_resolution_t(min_output_resolution);
   return filter;
 }
 

@@ -11,18 +11,6 @@
 
 namespace edid_lib {
 
-/// The default modes: the limits of what the outputs show, and what every display shows.
-inline constexpr std::string_view greatest_output_mode = "3840x2160@60";
-inline constexpr std::string_view least_output_mode = "640x480@59.94";
-inline constexpr std::string_view mode_of_every_display = "640x480@60";
-
-/// Where lists of modes and ready-made EDIDs are kept on the appliance. Nothing opens them yet.
-inline constexpr std::string_view supported_resolutions_file = "supported_resolutions.json";
-inline constexpr std::string_view unsupported_resolutions_file = "unsupported_resolutions.json";
-inline constexpr std::string_view user_edid_directory = "/media/media/EDIDs/";
-inline constexpr std::string_view system_edid_directory = "/usr/zyl/EDIDs/";
-inline constexpr std::string_view edid_file_4k60 = "4k60.zedid";
-
 /// Whose modes a chain of filters is for.
 enum class filter_direction_t : uint32_t { neither, input, output };
 
