@@ -83,13 +83,17 @@ std::span<const uint8_t> cta_hdmi_vsdb_t::hdmi_vics() const {
 }
 
 std::vector<vid_resolution_t> cta_hdmi_vsdb_t::modes() const {
-  std::vector<vid_resolution_t> found;
+  std::vector<vid_resolution_t> list;
+  append_modes(list);
+  return list;
+}
+
+void cta_hdmi_vsdb_t::append_modes(std::vector<vid_resolution_t>& list) const {
   for (const uint8_t vic : hdmi_vics()) {
     if (vic >= 1 && vic <= last_hdmi_vic) {
-      found.push_back(hdmi_resolution(vic));
+      list.push_back(hdmi_resolution(vic));
     }
   }
-  return found;
 }
 
 void cta_hdmi_vsdb_t::tell_vic_count(std::size_t count) {

@@ -70,6 +70,9 @@ class cta_hdmi_vsdb_t final : public cta_vendor_specific_data_block_t {
   /// The modes of the HDMI VICs 1 to 4, in the order of the list.
   std::vector<vid_resolution_t> modes() const;
 
+  /// The same, behind what is in `list`.
+  void append_modes(std::vector<vid_resolution_t>& list) const;
+
   /// Empties the list of HDMI VICs; what stands behind it moves up. Nothing for a block without one.
   void clear_hdmi_vics();
 

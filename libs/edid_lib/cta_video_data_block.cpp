@@ -59,7 +59,12 @@ std::optional<cta_video_data_block_t::position_t> cta_video_data_block_t::contai
 }
 
 std::vector<vid_resolution_t> cta_video_data_block_t::modes() const {
-  std::vector<vid_resolution_t> found;
+  std::vector<vid_resolution_t> list;
+  append_modes(list);
+  return list;
+}
+
+void cta_video_data_block_t::append_modes(std::vector<vid_resolution_t>& list) const {
   for (std::size_t i = 1; i < data.size(); ++i) {
     auto mode = cta_resolution(code_of(data[i]));
     if (!mode) {
@@ -67,9 +72,8 @@ std::vector<vid_resolution_t> cta_video_data_block_t::modes() const {
     }
     mode->location = timing_location_t::cta_video_data_block;
     mode->preferred = is_native(data[i]) || i == 1;
-    append_with_alternative(found, *std::move(mode));
+    append_with_alternative(list, *std::move(mode));
   }
-  return found;
 }
 
 }  // namespace edid_lib

@@ -34,6 +34,9 @@ class cta_video_data_block_t final : public cta_data_block_t {
   /// Native ones and the first are preferred. Codes without a row in `cta_timings` are left out.
   std::vector<vid_resolution_t> modes() const;
 
+  /// The same, behind what is in `list`.
+  void append_modes(std::vector<vid_resolution_t>& list) const;
+
   /// Whether there is room for another entry.
   bool has_room() const { return size() < largest_size; }
 

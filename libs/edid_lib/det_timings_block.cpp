@@ -54,13 +54,17 @@ bool det_timings_block_t::add(const vid_resolution_t& mode) {
 }
 
 std::vector<vid_resolution_t> det_timings_block_t::modes() const {
-  std::vector<vid_resolution_t> found;
+  std::vector<vid_resolution_t> list;
+  append_modes(list);
+  return list;
+}
+
+void det_timings_block_t::append_modes(std::vector<vid_resolution_t>& list) const {
   for (std::size_t i = 0; i < data.size() / entry_size; ++i) {
     if (auto mode = decode_detailed_entry(entry(i))) {
-      found.push_back(*std::move(mode));
+      list.push_back(*std::move(mode));
     }
   }
-  return found;
 }
 
 detailed_entry_view_t det_timings_block_t::entry(std::size_t index) const {

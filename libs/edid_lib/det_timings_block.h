@@ -46,6 +46,9 @@ class det_timings_block_t final : public edid_block_t {
   /// by 64, are not.
   std::vector<vid_resolution_t> modes() const;
 
+  /// The same, behind what is in `list`.
+  void append_modes(std::vector<vid_resolution_t>& list) const;
+
   /// Writes `mode` behind the entries in use, of which there are `count()`. False without change if there is no room
   /// left, or `encode_detailed_entry` has no entry for it.
   bool add(const vid_resolution_t& mode);

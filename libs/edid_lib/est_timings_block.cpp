@@ -60,15 +60,19 @@ void est_timings_block_t::set(const vid_resolution_t& mode, bool on) {
 }
 
 std::vector<vid_resolution_t> est_timings_block_t::modes() const {
-  std::vector<vid_resolution_t> found;
+  std::vector<vid_resolution_t> list;
+  append_modes(list);
+  return list;
+}
+
+void est_timings_block_t::append_modes(std::vector<vid_resolution_t>& list) const {
   for (const timing_row_t* row : established_timings().by_key()) {
     if (has_index(row->number)) {
-      vid_resolution_t& mode = found.emplace_back(row->timing);
+      vid_resolution_t& mode = list.emplace_back(row->timing);
       mode.type = timing_type_t::established;
       mode.location = timing_location_t::established_block;
     }
   }
-  return found;
 }
 
 }  // namespace edid_lib

@@ -31,6 +31,9 @@ class est_timings_block_t final : public edid_block_t {
   /// The modes whose bits are set, in the order of their keys, with computed rates.
   std::vector<vid_resolution_t> modes() const;
 
+  /// The same, behind what is in `list`.
+  void append_modes(std::vector<vid_resolution_t>& list) const;
+
  private:
   bool has_index(uint32_t index) const;
 };

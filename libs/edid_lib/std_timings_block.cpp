@@ -136,17 +136,22 @@ std::size_t std_timings_block_t::count() const {
 }
 
 std::vector<vid_resolution_t> std_timings_block_t::modes(uint32_t revision, bool reduced_first) const {
-  std::vector<vid_resolution_t> found;
+  std::vector<vid_resolution_t> list;
+  append_modes(list, revision, reduced_first);
+  return list;
+}
+
+void std_timings_block_t::append_modes(std::vector<vid_resolution_t>& list, uint32_t revision,
+                                       bool reduced_first) const {
   for (std::size_t at = 0; at < data.size(); at += code_size) {
     const code_t code = code_at(data, at);
     if (!code.in_use()) {
       continue;
     }
     if (auto mode = decode(code, revision, reduced_first)) {
-      found.push_back(*std::move(mode));
+      list.push_back(*std::move(mode));
     }
   }
-  return found;
 }
 
 bool std_timings_block_t::contains(const vid_resolution_t& mode) const {

@@ -27,6 +27,9 @@ class std_timings_block_t final : public edid_block_t {
   /// form with reduced blanking is preferred where DMT has one.
   std::vector<vid_resolution_t> modes(uint32_t revision, bool reduced_first) const;
 
+  /// The same, behind what is in `list`.
+  void append_modes(std::vector<vid_resolution_t>& list, uint32_t revision, bool reduced_first) const;
+
   /// Whether a code means `mode`, read as those of revision 3 with the mode's own preference for reduced blanking.
   bool contains(const vid_resolution_t& mode) const;
 

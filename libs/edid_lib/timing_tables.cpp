@@ -1,10 +1,10 @@
 #include "edid_lib/timing_tables.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <iterator>
-#include <tuple>
 
 #include "edid_lib/tables/timing_rows.h"
 
@@ -27,12 +27,13 @@ bool has_aspect_in_key(const vid_resolution_t& mode) { return mode.pixel_aspect_
 
 }  // namespace
 
-bool timing_table_t::mode_name_t::operator<(const mode_name_t& other) const {
-  const auto all = [](const mode_name_t& name) {
-    return std::tie(name.width, name.height, name.rate, name.pixel_aspect_x, name.pixel_aspect_y, name.interlaced,
-                    name.reduced_blanking);
-  };
-  return all(*this) < all(other);
+/// The aspect is left out: it tells only pairs apart.
+std::size_t timing_table_t::mode_name_t::hash() const {
+  constexpr uint64_t golden = 0x9E3779B97F4A7C15;
+  const uint64_t size = uint64_t{static_cast<uint32_t>(width)} << 32 | static_cast<uint32_t>(height);
+  const uint64_t rest =
+      uint64_t{std::bit_cast<uint32_t>(rate)} << 2 | (interlaced ? 2U : 0U) | (reduced_blanking ? 1U : 0U);
+  return static_cast<std::size_t>((size * golden ^ rest) * golden >> 32);
 }
 
 timing_table_t::mode_name_t timing_table_t::name_of(const vid_resolution_t& mode, float rate) {
@@ -44,22 +45,33 @@ timing_table_t::mode_name_t timing_table_t::name_of(const vid_resolution_t& mode
   return name;
 }
 
-timing_table_t::named_row_t timing_table_t::named_row(const timing_row_t& row) {
+timing_table_t::mode_name_t timing_table_t::name_of(const timing_row_t& row) {
   vid_resolution_t mode(row.key);
   if (mode.reduced_blanking) {
     mode.pixel_aspect_x = 1;  // the parser takes "RB" for an aspect too; no key of a table has both
   }
-  return {name_of(mode, mode.fps), &row};
+  return name_of(mode, mode.fps);
 }
 
-timing_table_t::timing_table_t(std::span<const timing_row_t> table_rows) : rows(table_rows) {
+timing_table_t::timing_table_t(std::span<const timing_row_t> table_rows)
+    : rows(table_rows), slots(std::bit_ceil(4 * table_rows.size())) {
   for (const timing_row_t& row : rows) {
     named_modes.emplace_back(row.key).timing = row.timing;
-    name_order.push_back(named_row(row));
+    const mode_name_t name = name_of(row);
+    slots[slot_of(name)] = {name, &row};
     key_order.push_back(&row);
   }
-  std::sort(name_order.begin(), name_order.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
   std::sort(key_order.begin(), key_order.end(), [](const auto* a, const auto* b) { return a->key < b->key; });
+}
+
+/// The slot of the name, or the free one where it would be. There are always free ones.
+std::size_t timing_table_t::slot_of(const mode_name_t& name) const {
+  const std::size_t mask = slots.size() - 1;
+  std::size_t at = name.hash() & mask;
+  while (slots[at].row != nullptr && !(slots[at].name == name)) {
+    at = (at + 1) & mask;
+  }
+  return at;
 }
 
 const timing_row_t* timing_table_t::find(const vid_resolution_t& mode) const {
@@ -67,10 +79,7 @@ const timing_row_t* timing_table_t::find(const vid_resolution_t& mode) const {
   if (has_aspect_in_key(mode) && name.pixel_aspect_x == 1 && name.pixel_aspect_y == 1) {
     return nullptr;  // just off 1:1: its key ends in " 1:1", and no row's does
   }
-  const auto found =
-      std::lower_bound(name_order.begin(), name_order.end(), name,
-                       [](const named_row_t& row, const mode_name_t& wanted) { return row.name < wanted; });
-  return found != name_order.end() && found->name == name ? found->row : nullptr;
+  return slots[slot_of(name)].row;
 }
 
 const timing_row_t* timing_table_t::find_number(uint32_t number) const {

@@ -35,7 +35,7 @@ class timing_table_t {
   std::span<const timing_row_t* const> by_key() const { return key_order; }
 
  private:
-  /// What a key says, without the text. In the order of the members.
+  /// What a key says, without the text.
   struct mode_name_t {
     int32_t width;
     int32_t height;
@@ -46,20 +46,21 @@ class timing_table_t {
     bool reduced_blanking;
 
     bool operator==(const mode_name_t&) const = default;
-    bool operator<(const mode_name_t& other) const;
+    std::size_t hash() const;
   };
 
   struct named_row_t {
     mode_name_t name;
-    const timing_row_t* row;
+    const timing_row_t* row = nullptr;  ///< Null: the slot is free.
   };
 
   static mode_name_t name_of(const vid_resolution_t& mode, float rate);
-  static named_row_t named_row(const timing_row_t& row);
+  static mode_name_t name_of(const timing_row_t& row);
+  std::size_t slot_of(const mode_name_t& name) const;
 
   std::span<const timing_row_t> rows;
   std::vector<vid_resolution_t> named_modes;  ///< In the order of `rows`.
-  std::vector<named_row_t> name_order;
+  std::vector<named_row_t> slots;             ///< A row by its name, or in the next free slot behind its own.
   std::vector<const timing_row_t*> key_order;
 };
 

@@ -1,32 +1,11 @@
 #include "edid_lib/vid_resolution.h"
 
-#include <algorithm>
 #include <cmath>
-#include <cstddef>
-#include <iterator>
 
-#include "edid_lib/rate_text.h"
+#include "edid_lib/standard_rates.h"
 
 namespace edid_lib {
 namespace {
-
-/// Not every rate of the timing tables is here: 65 and 100 are not, so those modes go by another name.
-constexpr float standard_rates[] = {23.98F, 24, 25, 29.97F, 30, 43,      50,  56,  59.94F,  60, 67,
-                                    70,     72, 75, 85,     88, 119.88F, 120, 200, 239.76F, 240};
-constexpr float lowest_rate = standard_rates[0];
-constexpr float highest_rate = standard_rates[std::size(standard_rates) - 1];
-constexpr float no_rate = -1;
-
-float snap_to_standard(float rate) {
-  for (std::size_t i = 1; i < std::size(standard_rates); ++i) {
-    const float below = standard_rates[i - 1];
-    const float above = standard_rates[i];
-    if (rate <= above) {
-      return (above - below) * 0.5F >= above - rate ? above : below;
-    }
-  }
-  return no_rate;
-}
 
 bool has_whole_rates(timing_type_t type) { return type == timing_type_t::established || type == timing_type_t::dmt; }
 
@@ -49,17 +28,9 @@ vid_resolution_t::vid_resolution_t(const vid_timing_t& raw_timing)
   }
 }
 
-float vid_resolution_t::nominal_fps() const {
-  const bool whole = has_whole_rates(type);
-  if (fps <= lowest_rate) {
-    return whole ? 24 : lowest_rate;
-  }
-  if (fps >= highest_rate) {
-    return highest_rate;
-  }
-  const float rate = snap_to_standard(fps);
-  return whole ? std::round(rate) : rate;
-}
+float vid_resolution_t::nominal_fps() const { return standard_rate_of(fps, has_whole_rates(type)).rate; }
+
+std::string_view vid_resolution_t::rate_text() const { return standard_rate_of(fps, has_whole_rates(type)).text; }
 
 float vid_resolution_t::picture_aspect() const {
   if (height == 0 || pixel_aspect_y == 0) {
@@ -84,7 +55,7 @@ std::weak_ordering vid_resolution_t::operator<=>(const vid_resolution_t& other) 
   if (height != other.height) {
     return height <=> other.height;
   }
-  return rate_text_t(nominal_fps()).view() <=> rate_text_t(other.nominal_fps()).view();
+  return rate_text() <=> other.rate_text();
 }
 
 }  // namespace edid_lib

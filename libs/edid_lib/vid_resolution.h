@@ -69,6 +69,9 @@ struct vid_resolution_t {
   /// also 23.98, 29.97, 59.94, 119.88 and 239.76. -1 if `fps` is not a number.
   float nominal_fps() const;
 
+  /// The text of the nominal rate, without decimals if it is whole, else with two: "60", "59.94". Lives for ever.
+  std::string_view rate_text() const;
+
   /// The name that the timing tables know the mode by: "720x480i@59.94 8:9".
   std::string key() const;
 

@@ -13,7 +13,6 @@
 #include <tuple>
 #include <utility>
 
-#include "edid_lib/rate_text.h"
 #include "edid_lib/vid_resolution.h"
 
 namespace edid_lib {
@@ -56,8 +55,20 @@ locale_t point_locale() {
   return locale;
 }
 
+/// Whether `text` is a number as modes have it: digits, perhaps with a point among them, not many.
+bool is_plain_number(std::string_view text) {
+  constexpr std::size_t most_characters = 12;
+  return !text.empty() && text.size() <= most_characters && text[0] != '.' &&
+         text.find_first_not_of("0123456789.") == std::string_view::npos;
+}
+
 /// A numeric prefix counts, "60Hz" is 60; 0 without one, and for a number that a float does not hold.
 float parse_float(std::string_view text) {
+  if (is_plain_number(text)) {
+    float value = 0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
+  }
   const std::string terminated(text);
   char* end = nullptr;
   errno = 0;
@@ -110,21 +121,34 @@ void parse_suffix(std::string_view word, vid_resolution_t& mode) {
   mode.preferred = contains_word(word, preferred_word);
 }
 
-/// What a stream makes of a float: at most six digits, and no point behind a whole number.
-std::string stream_text(float value) {
-  char text[32];
-  const auto result = std::to_chars(std::begin(text), std::end(text), value, std::chars_format::general, 6);
-  return {text, result.ptr};
-}
+/// Puts a text together without going to the heap for each piece.
+class text_buffer_t {
+ public:
+  void add(std::string_view text) { end = std::copy(text.begin(), text.end(), end); }
+  void add(int32_t number) { end = std::to_chars(end, std::end(characters), number).ptr; }
 
-std::string picture_text(const vid_resolution_t& mode, std::string_view progressive, std::string_view interlaced) {
-  std::string text = std::to_string(mode.width) + "x" + std::to_string(mode.height);
-  text += mode.interlaced ? interlaced : progressive;
-  text += rate_text_t(mode.nominal_fps()).view();
+  /// As a stream writes it: at most six digits, and no point behind a whole number.
+  void add(float number) { end = std::to_chars(end, std::end(characters), number, std::chars_format::general, 6).ptr; }
+
+  std::string text() const { return std::string(std::begin(characters), static_cast<const char*>(end)); }
+
+ private:
+  char characters[80];  ///< Two numbers, a rate and two aspects, the longest of them.
+  char* end = characters;
+};
+
+text_buffer_t picture_text(const vid_resolution_t& mode, std::string_view progressive, std::string_view interlaced) {
+  text_buffer_t buffer;
+  buffer.add(mode.width);
+  buffer.add("x");
+  buffer.add(mode.height);
+  buffer.add(mode.interlaced ? interlaced : progressive);
+  buffer.add(mode.rate_text());
   if (mode.reduced_blanking) {
-    text.append(" ").append(reduced_blanking_word);
+    buffer.add(" ");
+    buffer.add(reduced_blanking_word);
   }
-  return text;
+  return buffer;
 }
 
 bool has_square_pixels_by_default(const vid_resolution_t& mode) {
@@ -149,13 +173,6 @@ std::string ratio_text(int64_t x, int64_t y) {
 
 }  // namespace
 
-rate_text_t::rate_text_t(float rate) {
-  const int decimals = rate == std::trunc(rate) ? 0 : 2;
-  const auto result =
-      std::to_chars(std::begin(characters), std::end(characters), rate, std::chars_format::fixed, decimals);
-  length = static_cast<std::size_t>(result.ptr - characters);
-}
-
 vid_resolution_t::vid_resolution_t(std::string_view text) {
   parse_picture(take_word(text), *this);
   for (std::string_view word = take_word(text); !word.empty(); word = take_word(text)) {
@@ -164,15 +181,18 @@ vid_resolution_t::vid_resolution_t(std::string_view text) {
 }
 
 std::string vid_resolution_t::key() const {
-  std::string text = picture_text(*this, "@", "i@");
+  text_buffer_t buffer = picture_text(*this, "@", "i@");
   if (!has_square_pixels_by_default(*this)) {
-    text += " " + stream_text(pixel_aspect_x) + ":" + stream_text(pixel_aspect_y);
+    buffer.add(" ");
+    buffer.add(pixel_aspect_x);
+    buffer.add(":");
+    buffer.add(pixel_aspect_y);
   }
-  return text;
+  return buffer.text();
 }
 
 std::string vid_resolution_t::to_string() const {
-  std::string text = picture_text(*this, "p", "i");
+  std::string text = picture_text(*this, "p", "i").text();
   if (!has_square_pixels_by_default(*this)) {
     text += " " + aspect_ratio();
   }

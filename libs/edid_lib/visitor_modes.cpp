@@ -1,8 +1,8 @@
 #include "edid_lib/visitor_modes.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <initializer_list>
-#include <iterator>
 #include <utility>
 
 #include "edid_lib/cta_hdmi_vsdb.h"
@@ -24,8 +24,10 @@ bool is_of(const vid_resolution_t& mode, std::initializer_list<timing_type_t> ty
 }  // namespace
 
 void visitor_modes_t::read(edid_t* edid) {
+  constexpr std::size_t usual_size = 64;
   writing = false;
   mode_list.clear();
+  mode_list.reserve(usual_size);
   apply(edid);
 }
 
@@ -37,16 +39,14 @@ void visitor_modes_t::write(edid_t* edid) {
 
 std::vector<vid_resolution_t> visitor_modes_t::take_modes() { return std::exchange(mode_list, {}); }
 
-void visitor_modes_t::append(std::vector<vid_resolution_t> modes) {
-  mode_list.insert(mode_list.end(), std::make_move_iterator(modes.begin()), std::make_move_iterator(modes.end()));
-}
-
-void visitor_modes_t::insert(std::vector<vid_resolution_t> video_modes) {
-  if (!video_modes.empty() && !mode_list.empty()) {
-    mode_list.insert(std::next(mode_list.begin(), no_native ? 0 : 1), std::move(video_modes.front()));
-    video_modes.erase(video_modes.begin());
+/// Appends the block's modes, and moves the first of them to the head of the list.
+void visitor_modes_t::read_from(const cta_video_data_block_t& block) {
+  const auto count = static_cast<std::ptrdiff_t>(mode_list.size());
+  block.append_modes(mode_list);
+  const auto first = mode_list.begin() + count;
+  if (first != mode_list.end() && count > 0) {
+    std::rotate(mode_list.begin() + (no_native ? 0 : 1), first, first + 1);
   }
-  append(std::move(video_modes));
 }
 
 void visitor_modes_t::prefer_native(uint32_t count) {
@@ -75,7 +75,7 @@ void visitor_modes_t::visit(det_timings_block_t* block, bool forward) {
   if (writing) {
     write_to(*block);
   } else {
-    append(block->modes());
+    block->append_modes(mode_list);
   }
 }
 
@@ -98,7 +98,7 @@ void visitor_modes_t::visit(cta_video_data_block_t* block, bool forward) {
   if (writing) {
     write_to(*block);
   } else {
-    insert(block->modes());
+    read_from(*block);
   }
 }
 
@@ -109,7 +109,7 @@ void visitor_modes_t::visit(cta_hdmi_vsdb_t* block, bool forward) {
   if (writing) {
     write_to(*block);
   } else {
-    append(block->modes());
+    block->append_modes(mode_list);
   }
 }
 
@@ -120,7 +120,7 @@ void visitor_modes_t::visit(std_timings_block_t* block, bool forward) {
   if (writing) {
     write_to(*block);
   } else {
-    append(block->modes(revision, reduced_first));
+    block->append_modes(mode_list, revision, reduced_first);
   }
 }
 
@@ -131,7 +131,7 @@ void visitor_modes_t::visit(est_timings_block_t* block, bool forward) {
   if (writing) {
     write_to(*block);
   } else {
-    append(block->modes());
+    block->append_modes(mode_list);
   }
 }
 

@@ -47,7 +47,6 @@ class visitor_modes_t final : public visitor_t {
   void visit(cta_hdmi_vsdb_t* block, bool forward) override;
 
  private:
-  void append(std::vector<vid_resolution_t> modes);
   void prefer_native(uint32_t count);
 
   void write_to(det_timings_block_t& block);
@@ -55,7 +54,7 @@ class visitor_modes_t final : public visitor_t {
   void write_to(cta_hdmi_vsdb_t& block) const;
   void write_to(std_timings_block_t& block) const;
   void write_to(est_timings_block_t& block) const;
-  void insert(std::vector<vid_resolution_t> video_modes);
+  void read_from(const cta_video_data_block_t& block);
 
   bool writing = false;
   bool no_native = false;  ///< No native detailed timing was declared, or written.
