@@ -18,14 +18,13 @@ constexpr uint8_t speaker_tag = 4;
 constexpr uint8_t vesa_transfer_characteristic_tag = 5;
 
 std::unique_ptr<cta_data_block_t> make_vendor_data_block(std::span<const uint8_t> block_bytes) {
-  auto block = std::make_unique<cta_vendor_specific_data_block_t>(block_bytes);
-  switch (block->ieee_id()) {
+  switch (cta_vendor_specific_data_block_t::ieee_id_of(block_bytes)) {
     case cta_hdmi_vsdb_t::own_ieee_id:
       return std::make_unique<cta_hdmi_vsdb_t>(block_bytes);
     case cta_hdmi_forum_vsdb_t::own_ieee_id:
       return std::make_unique<cta_hdmi_forum_vsdb_t>(block_bytes);
     default:
-      return block;
+      return std::make_unique<cta_vendor_specific_data_block_t>(block_bytes);
   }
 }
 

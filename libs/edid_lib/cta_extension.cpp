@@ -72,7 +72,11 @@ void cta_extension_t::repair() {
 }
 
 void cta_extension_t::parse_data_blocks() {
+  constexpr std::size_t usual_count = 8;
   const std::size_t end = std::min<std::size_t>(detailed_offset(), block_size);
+  if (end > header_size) {
+    blocks.reserve(usual_count);
+  }
   for (std::size_t at = header_size; at < end;) {
     const std::size_t told = cta_data_block_t::told_size(data[at]);
     // A block that runs over the end of the list is read as far as the extension reaches.

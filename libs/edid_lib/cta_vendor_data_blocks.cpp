@@ -27,11 +27,11 @@ cta_vendor_specific_data_block_t::cta_vendor_specific_data_block_t(uint32_t id, 
 
 bool cta_vendor_specific_data_block_t::valid() const { return cta_data_block_t::valid() && size() >= smallest_with_id; }
 
-uint32_t cta_vendor_specific_data_block_t::ieee_id() const {
-  if (size() < smallest_with_id) {
+uint32_t cta_vendor_specific_data_block_t::ieee_id_of(std::span<const uint8_t> block_bytes) {
+  if (block_bytes.size() < smallest_with_id) {
     return no_ieee_id;
   }
-  return data[1] | uint32_t{data[2]} << 8 | uint32_t{data[3]} << 16;
+  return block_bytes[1] | uint32_t{block_bytes[2]} << 8 | uint32_t{block_bytes[3]} << 16;
 }
 
 void cta_vendor_specific_data_block_t::set_ieee_id(uint32_t id) {

@@ -19,7 +19,8 @@ class cta_vendor_specific_data_block_t : public cta_data_block_t {
   bool valid() const override;
 
   /// 0xFFFFFFFF if the block is too short for one.
-  uint32_t ieee_id() const;
+  uint32_t ieee_id() const { return ieee_id_of(data); }
+  static uint32_t ieee_id_of(std::span<const uint8_t> block_bytes);
 
   /// Nothing if the block is too short for one.
   void set_ieee_id(uint32_t id);

@@ -1,8 +1,7 @@
 #include "edid_lib/cta_video_data_block.h"
 
-#include <utility>
-
 #include "edid_lib/timing_lookup.h"
+#include "edid_lib/timing_tables.h"
 #include "edid_lib/visitor.h"
 
 namespace edid_lib {
@@ -18,15 +17,10 @@ uint32_t code_of(uint8_t descriptor) {
   return is_native(descriptor) ? descriptor & native_code_mask : uint32_t{descriptor};
 }
 
-void append_with_alternative(std::vector<vid_resolution_t>& modes, vid_resolution_t mode) {
-  vid_resolution_t alternative = rate_alternative(mode);
-  const bool differs = alternative.timing != mode.timing;
-  alternative.location = mode.location;
-  alternative.preferred = mode.preferred;
-  modes.push_back(std::move(mode));
-  if (differs) {
-    modes.push_back(std::move(alternative));
-  }
+void append_found(std::vector<vid_resolution_t>& list, const vid_resolution_t& found, bool preferred) {
+  vid_resolution_t& mode = list.emplace_back(found);
+  mode.location = timing_location_t::cta_video_data_block;
+  mode.preferred = preferred;
 }
 
 }  // namespace
@@ -65,14 +59,20 @@ std::vector<vid_resolution_t> cta_video_data_block_t::modes() const {
 }
 
 void cta_video_data_block_t::append_modes(std::vector<vid_resolution_t>& list) const {
+  const timing_table_t& table = cta_timings();
   for (std::size_t i = 1; i < data.size(); ++i) {
-    auto mode = cta_resolution(code_of(data[i]));
-    if (!mode) {
+    const uint32_t code = code_of(data[i]);
+    const vid_resolution_t* mode = table.named_mode(code);
+    if (mode == nullptr) {
       continue;
     }
-    mode->location = timing_location_t::cta_video_data_block;
-    mode->preferred = is_native(data[i]) || i == 1;
-    append_with_alternative(list, *std::move(mode));
+    const bool preferred = is_native(data[i]) || i == 1;
+    append_found(list, *mode, preferred);
+    list.back().type = timing_type_t::cta;
+    const vid_resolution_t* alternative = table.alternative_mode(code);
+    if (alternative->timing != mode->timing) {
+      append_found(list, *alternative, preferred);
+    }
   }
 }
 

@@ -19,9 +19,23 @@ constexpr std::size_t extension_count_at = 126;
 constexpr std::size_t checksum_at = 127;
 
 constexpr std::size_t entry_size = det_timings_block_t::entry_size;
+constexpr std::size_t entries = 4;  ///< detailed timings and descriptors together
 constexpr uint32_t most_timings = 2;
 constexpr std::size_t descriptor_tag_at = 3;
 constexpr uint8_t dummy_tag = 0x10;
+
+/// Just 128 bytes.
+std::vector<uint8_t> block_of(std::span<const uint8_t> edid_bytes) {
+  const auto head = edid_bytes.first(std::min(edid_bytes.size(), block_size));
+  std::vector<uint8_t> block(head.begin(), head.end());
+  block.resize(block_size, 0);
+  return block;
+}
+
+/// How many of the entries are timings: a descriptor has zeros where a timing has its clock.
+uint32_t timings_in(std::span<const uint8_t> block) {
+  return block[second_detailed_at] != 0 || block[second_detailed_at + 1] != 0 ? most_timings : 1;
+}
 
 /// Copies `part` to `at`, as much of it as there is room for in front of `end`.
 void put(std::vector<uint8_t>& whole, std::size_t at, std::size_t end, std::span<const uint8_t> part) {
@@ -46,13 +60,12 @@ edid_base_t::edid_base_t()
     : established_timings({}), standard_timings({}), detailed_timings({}, detailed_at, most_timings) {}
 
 edid_base_t::edid_base_t(std::span<const uint8_t> edid_bytes)
-    : edid_block_t(edid_bytes.first(std::min(edid_bytes.size(), block_size))),
-      established_timings({}),
-      standard_timings({}),
-      detailed_timings({}, detailed_at, most_timings) {
-  data.resize(block_size, 0);
+    : edid_block_t(block_of(edid_bytes)),
+      established_timings(bytes().subspan(established_at, standard_at - established_at)),
+      standard_timings(bytes().subspan(standard_at, detailed_at - standard_at)),
+      detailed_timings(bytes().subspan(detailed_at, timings_in(data) * entry_size), detailed_at, timings_in(data)) {
   repair();
-  parse_blocks();
+  parse_descriptors();
 }
 
 edid_base_t::edid_base_t(const edid_base_t& other)
@@ -95,16 +108,10 @@ void edid_base_t::repair() {
   set_preferred_native(true);
 }
 
-void edid_base_t::parse_blocks() {
-  const std::span<const uint8_t> all(data);
-  established_timings = est_timings_block_t(all.subspan(established_at, standard_at - established_at));
-  standard_timings = std_timings_block_t(all.subspan(standard_at, detailed_at - standard_at));
-  // A descriptor has zeros where a timing has its clock.
-  const bool two_timings = data[second_detailed_at] != 0 || data[second_detailed_at + 1] != 0;
-  const uint32_t timings = two_timings ? most_timings : 1;
-  detailed_timings = det_timings_block_t(all.subspan(detailed_at, timings * entry_size), detailed_at, timings);
-  for (std::size_t at = detailed_at + timings * entry_size; at < descriptors_end; at += entry_size) {
-    add_descriptor(make_base_descriptor(static_cast<uint32_t>(at), all.subspan(at, entry_size)));
+void edid_base_t::parse_descriptors() {
+  descriptor_list.reserve(entries - timings_in(data));
+  for (std::size_t at = detailed_at + detailed_timings.size(); at < descriptors_end; at += entry_size) {
+    add_descriptor(make_base_descriptor(static_cast<uint32_t>(at), bytes().subspan(at, entry_size)));
   }
 }
 

@@ -152,7 +152,7 @@ class edid_base_t final : public edid_block_t {
   uint32_t little_endian(uint8_t index, uint8_t count) const;
   void set_little_endian(uint8_t index, uint8_t count, uint32_t value);
   void repair();
-  void parse_blocks();
+  void parse_descriptors();
 
   est_timings_block_t established_timings;
   std_timings_block_t standard_timings;

@@ -5,6 +5,7 @@
 #include <iosfwd>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace edid_lib {
@@ -58,6 +59,7 @@ class edid_block_t {
  protected:
   edid_block_t() = default;
   explicit edid_block_t(std::span<const uint8_t> block_bytes) : data(block_bytes.begin(), block_bytes.end()) {}
+  explicit edid_block_t(std::vector<uint8_t>&& block_bytes) : data(std::move(block_bytes)) {}
   edid_block_t(const edid_block_t&) = default;
   edid_block_t& operator=(const edid_block_t&) = default;
   edid_block_t(edid_block_t&&) = default;

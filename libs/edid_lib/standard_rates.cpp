@@ -43,17 +43,14 @@ std::size_t nearest(float fps) {
 }  // namespace
 
 const standard_rate_t& standard_rate_of(float fps, bool whole_rates) {
+  if (fps > rates[0].rate && fps < rates[last].rate) {
+    const standard_rate_t& rate = rates[nearest(fps)];
+    return whole_rates ? rates[rate.whole] : rate;
+  }
   if (fps <= rates[0].rate) {
     return rates[whole_rates ? rates[0].whole : 0];
   }
-  if (fps >= rates[last].rate) {
-    return rates[last];
-  }
-  if (fps != fps) {
-    return no_rate;
-  }
-  const standard_rate_t& rate = rates[nearest(fps)];
-  return whole_rates ? rates[rate.whole] : rate;
+  return fps >= rates[last].rate ? rates[last] : no_rate;
 }
 
 }  // namespace edid_lib

@@ -54,7 +54,9 @@ void tarn_filter_resolution_t::add_direction_filters(chain_t& filters) const {
 
 /// In this order, because a refusal is told by the first filter that refuses.
 tarn_filter_resolution_t::chain_t tarn_filter_resolution_t::chain() const {
+  constexpr std::size_t most_filters = 8;
   chain_t filters;
+  filters.reserve(most_filters);
   if (!allow_interlaced) {
     filters.push_back(std::make_unique<interlaced_filter>());
   }

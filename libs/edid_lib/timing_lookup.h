@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "edid_lib/rate_alternative.h"
 #include "edid_lib/vid_resolution.h"
 
 namespace edid_lib {
@@ -16,11 +17,6 @@ struct resolved_timing_t {
   vid_timing_t timing;
   timing_type_t type = timing_type_t::undefined;
 };
-
-/// The mode at the other rate of its pair, 1000/1001 slower: 59.94 for 60. Only whole nominal rates that are a multiple
-/// of 6 have a pair; other modes are returned as they are. A mode with a timing is made anew from the slower timing, so
-/// pixel aspect, reduced blanking, type, location and preference start from their defaults.
-vid_resolution_t rate_alternative(const vid_resolution_t& mode);
 
 /// CTA-861 look-up by key, then by the key of the rate alternative. A row that the mode's own timing contradicts ends
 /// the look-up. `cta_timing` is all zero for other modes.

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <iterator>
 
+#include "edid_lib/rate_alternative.h"
 #include "edid_lib/tables/timing_rows.h"
 
 namespace edid_lib {
@@ -57,6 +58,7 @@ timing_table_t::timing_table_t(std::span<const timing_row_t> table_rows)
     : rows(table_rows), slots(std::bit_ceil(4 * table_rows.size())) {
   for (const timing_row_t& row : rows) {
     named_modes.emplace_back(row.key).timing = row.timing;
+    alternative_modes.push_back(rate_alternative(named_modes.back()));
     const mode_name_t name = name_of(row);
     slots[slot_of(name)] = {name, &row};
     key_order.push_back(&row);
@@ -87,9 +89,9 @@ const timing_row_t* timing_table_t::find_number(uint32_t number) const {
   return index < rows.size() ? &rows[index] : nullptr;
 }
 
-const vid_resolution_t* timing_table_t::named_mode(uint32_t number) const {
-  const timing_row_t* row = find_number(number);
-  return row != nullptr ? &named_modes[static_cast<std::size_t>(row - rows.data())] : nullptr;
+const vid_resolution_t* timing_table_t::of_number(const std::vector<vid_resolution_t>& modes, uint32_t number) const {
+  const uint32_t index = number - rows.front().number;
+  return index < modes.size() ? &modes[index] : nullptr;
 }
 
 const timing_table_t& established_timings() {

@@ -29,7 +29,10 @@ class timing_table_t {
   const timing_row_t* find_number(uint32_t number) const;
 
   /// The mode that the key of the row of that number parses to, with the row's timing; null if there is no such row.
-  const vid_resolution_t* named_mode(uint32_t number) const;
+  const vid_resolution_t* named_mode(uint32_t number) const { return of_number(named_modes, number); }
+
+  /// The `rate_alternative` of that mode; the mode itself if it has none.
+  const vid_resolution_t* alternative_mode(uint32_t number) const { return of_number(alternative_modes, number); }
 
   /// All rows in the order of their keys, byte by byte.
   std::span<const timing_row_t* const> by_key() const { return key_order; }
@@ -57,10 +60,12 @@ class timing_table_t {
   static mode_name_t name_of(const vid_resolution_t& mode, float rate);
   static mode_name_t name_of(const timing_row_t& row);
   std::size_t slot_of(const mode_name_t& name) const;
+  const vid_resolution_t* of_number(const std::vector<vid_resolution_t>& modes, uint32_t number) const;
 
   std::span<const timing_row_t> rows;
-  std::vector<vid_resolution_t> named_modes;  ///< In the order of `rows`.
-  std::vector<named_row_t> slots;             ///< A row by its name, or in the next free slot behind its own.
+  std::vector<vid_resolution_t> named_modes;        ///< In the order of `rows`,
+  std::vector<vid_resolution_t> alternative_modes;  ///< as these are.
+  std::vector<named_row_t> slots;                   ///< A row by its name, or in the next free slot behind its own.
   std::vector<const timing_row_t*> key_order;
 };
 

@@ -110,38 +110,6 @@ TEST(TimingLookup, InterlacedTimingIsNoCtaModeBecauseItsRateIsThatOfItsFrames) {
   EXPECT_EQ(cta_timing(vid_resolution_t("1920x1080i@60")), full_hd_interlaced);
 }
 
-TEST(TimingLookup, RateAlternativeWithoutATimingChangesTheRateAlone) {
-  const vid_resolution_t mode = rate_alternative(vid_resolution_t("720x480@60 8:9"));
-  EXPECT_EQ(mode.key(), "720x480@59.94 8:9");
-  EXPECT_FALSE(mode.timing.known());
-  EXPECT_EQ(rate_alternative(vid_resolution_t("1920x1080@24")).key(), "1920x1080@23.98");
-  EXPECT_EQ(rate_alternative(vid_resolution_t("1920x1080@30")).key(), "1920x1080@29.97");
-  EXPECT_EQ(rate_alternative(vid_resolution_t("1920x1080@120")).key(), "1920x1080@119.88");
-  EXPECT_EQ(rate_alternative(vid_resolution_t("1920x1080@240")).key(), "1920x1080@239.76");
-}
-
-TEST(TimingLookup, RatesThatAreNoMultipleOfSixHaveNoAlternative) {
-  for (const char* key : {"1920x1080@59.94", "1920x1080@25", "1920x1080@50", "1920x1080@75", "1920x1080@23.98"}) {
-    EXPECT_EQ(rate_alternative(vid_resolution_t{std::string_view(key)}).key(), key);
-  }
-}
-
-TEST(TimingLookup, RateAlternativeWithATimingIsMadeAnewFromTheSlowerTiming) {
-  vid_resolution_t mode(full_hd);
-  mode.type = timing_type_t::cta;
-  mode.location = timing_location_t::cta_video_data_block;
-  mode.preferred = true;
-  mode.pixel_aspect_x = 4;
-  mode.pixel_aspect_y = 3;
-  mode.reduced_blanking = true;
-  const vid_resolution_t slower = rate_alternative(mode);
-  EXPECT_EQ(slower.timing.pixel_clock_khz, 148351U);
-  EXPECT_EQ(slower.key(), "1920x1080@59.94");
-  EXPECT_EQ(slower.type, timing_type_t::undefined);
-  EXPECT_EQ(slower.location, timing_location_t::undefined);
-  EXPECT_FALSE(slower.preferred);
-}
-
 TEST(TimingLookup, CtaTimingIsFoundAtItsOtherRateIfTheSlowerClockIsThatOfTheRow) {
   vid_timing_t vga = cta_resolution(1)->timing;
   vga.pixel_clock_khz = 25201;
