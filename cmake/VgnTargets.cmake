@@ -1,4 +1,4 @@
-# The kinds of target that the project has.
+# The kinds of target that the project has, and what one of them must not link.
 
 # What CTest puts in front of a test's command; environment and command follow.
 set(vgn_test_launcher ${CMAKE_SOURCE_DIR}/sim/sandbox run --build ${CMAKE_BINARY_DIR})
@@ -65,4 +65,29 @@ function(vgn_bench name)
     add_custom_target(bench)
   endif()
   add_dependencies(bench ${name})
+endfunction()
+
+# vgn_links_of(TARGET VARIABLE): adds the project's targets that it links, directly or by way of another, to the list.
+function(vgn_links_of target variable)
+  get_target_property(direct ${target} LINK_LIBRARIES)
+  foreach(link IN LISTS direct)
+    if(TARGET ${link} AND NOT link IN_LIST ${variable})
+      get_target_property(foreign ${link} IMPORTED)
+      list(APPEND ${variable} ${link})
+      if(NOT foreign)
+        vgn_links_of(${link} ${variable})
+      endif()
+    endif()
+  endforeach()
+  set(${variable} ${${variable}} PARENT_SCOPE)
+endfunction()
+
+# vgn_never_links(TARGET targets...): stops the configuration if it links one of these after all.
+function(vgn_never_links target)
+  vgn_links_of(${target} links)
+  foreach(never IN LISTS ARGN)
+    if(never IN_LIST links)
+      message(FATAL_ERROR "${target} links ${never}, directly or by way of another library: it must not")
+    endif()
+  endforeach()
 endfunction()
