@@ -23,7 +23,9 @@ endif()
 # Carries the project's own compile options to every target of the project, and to nobody else's.
 add_library(vgn_options INTERFACE)
 target_compile_options(vgn_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+  # What libs/zyl/mutex.h says of locks: who guards what, who must hold what.
+  $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>)
 # Assertions and critical log lines tell a source path: the same one wherever the tree was built. A compiler cache may
 # have made the path relative to the build folder before the compiler saw it.
 file(RELATIVE_PATH source_from_build ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR}/)
