@@ -25,6 +25,35 @@ function(vgn_program name)
   target_link_libraries(${name} PRIVATE vgn_options ${arg_LIBRARIES})
 endfunction()
 
+# vgn_links_of(TARGET VARIABLE): adds the project's targets that it links, directly or by way of another, to the list.
+function(vgn_links_of target variable)
+  get_target_property(direct ${target} LINK_LIBRARIES)
+  foreach(link IN LISTS direct)
+    if(TARGET ${link} AND NOT link IN_LIST ${variable})
+      get_target_property(foreign ${link} IMPORTED)
+      list(APPEND ${variable} ${link})
+      if(NOT foreign)
+        vgn_links_of(${link} ${variable})
+      endif()
+    endif()
+  endforeach()
+  set(${variable} ${${variable}} PARENT_SCOPE)
+endfunction()
+
+# vgn_thread_sanitizer_options(TEST VARIABLE): what the thread sanitizer is told for this test.
+#
+# Qt orders its threads by futexes, which the sanitizer does not see. So where Qt runs it judges only the project's own
+# reads and writes, and not those of the C library's functions: among them are all that Qt makes. Libraries without Qt
+# are tested without it, and with everything.
+function(vgn_thread_sanitizer_options test variable)
+  set(options suppressions=${CMAKE_SOURCE_DIR}/tests/tsan_suppressions)
+  vgn_links_of(${test} links)
+  if(Qt5::Core IN_LIST links)
+    string(APPEND options :ignore_noninstrumented_modules=1)
+  endif()
+  set(${variable} ${options} PARENT_SCOPE)
+endfunction()
+
 # vgn_test(NAME SOURCES ... LIBRARIES ... [ENVIRONMENT variable=value...] [TIMEOUT seconds] [OWN_MAIN])
 #
 # A GoogleTest program, each of whose tests CTest runs in a sandbox of its own. A program that brings its own main
@@ -41,6 +70,10 @@ function(vgn_test name)
   endif()
   target_link_libraries(${name} PRIVATE vgn_options ${arg_LIBRARIES} GTest::gmock ${main})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+  if(VGN_SANITIZE MATCHES "thread")
+    vgn_thread_sanitizer_options(${name} options)
+    list(PREPEND arg_ENVIRONMENT TSAN_OPTIONS=${options})
+  endif()
   # CMake runs a test through this wherever it has one; it is not about cross compiling here. The environment goes this
   # way too: it is the test's alone, not the launcher's, and a test property would hold one variable at most.
   set_target_properties(${name} PROPERTIES
@@ -65,21 +98,6 @@ function(vgn_bench name)
     add_custom_target(bench)
   endif()
   add_dependencies(bench ${name})
-endfunction()
-
-# vgn_links_of(TARGET VARIABLE): adds the project's targets that it links, directly or by way of another, to the list.
-function(vgn_links_of target variable)
-  get_target_property(direct ${target} LINK_LIBRARIES)
-  foreach(link IN LISTS direct)
-    if(TARGET ${link} AND NOT link IN_LIST ${variable})
-      get_target_property(foreign ${link} IMPORTED)
-      list(APPEND ${variable} ${link})
-      if(NOT foreign)
-        vgn_links_of(${link} ${variable})
-      endif()
-    endif()
-  endforeach()
-  set(${variable} ${${variable}} PARENT_SCOPE)
 endfunction()
 
 # vgn_never_links(TARGET targets...): stops the configuration if it links one of these after all.

@@ -73,7 +73,7 @@ descriptor_t make_fifo(const std::string& path) {
 }  // namespace
 
 /// What the loop's thread and the testbed's thread have in common.
-struct device_node_t::shared_t {
+struct device_node_t::shared_t : std::enable_shared_from_this<shared_t> {
   shared_t() = default;
   /// Ends behind the last callback, also in the eyes of the thread sanitizer, which does not see GLib join its thread.
   ~shared_t() { const zyl::lock_t last(mutex); }
@@ -144,8 +144,11 @@ void device_node_t::shared_t::drain() {
   }
 }
 
-/// The callbacks of the emulation library, all on the testbed's thread. What they are handed lives as long as that.
+/// The callbacks of the emulation library, all on the testbed's thread. What they are handed lives as long as the
+/// testbed, and for each client until it has vanished: the library keeps its thread for one that it still serves.
 struct device_node_t::callbacks_t {
+  using owner_t = std::shared_ptr<shared_t>;
+
   /// What the library was handed. It passes it on under locks of GLib that the thread sanitizer cannot see, so the
   /// order is also made here.
   static gpointer hand_over(shared_t* shared) {
@@ -176,11 +179,15 @@ struct device_node_t::callbacks_t {
 
   // The library has a signal "client-vanished" as well but, as of 0.17, never raises it.
   static void on_connected(UMockdevIoctlBase* /*handler*/, UMockdevIoctlClient* client, gpointer shared) {
-    handed(shared)->count_clients(1);
-    g_object_weak_ref(G_OBJECT(client), on_vanished, shared);
+    auto owner = std::make_unique<owner_t>(handed(shared)->shared_from_this());
+    (*owner)->count_clients(1);
+    g_object_weak_ref(G_OBJECT(client), on_vanished, owner.release());
   }
 
-  static void on_vanished(gpointer shared, GObject* /*client*/) { handed(shared)->count_clients(-1); }
+  static void on_vanished(gpointer owner, GObject* /*client*/) {
+    const std::unique_ptr<owner_t> owned(static_cast<owner_t*>(owner));
+    (*owned)->count_clients(-1);
+  }
 };
 
 device_node_t::device_node_t(testbed_t& testbed, const std::string& subsystem, const std::string& sysname,

@@ -40,6 +40,12 @@ std::map<std::string, std::string> daemon_environment(remote_control_t& remote,
   const char* inherited = std::getenv("ASAN_OPTIONS");  // NOLINT(concurrency-mt-unsafe): nothing sets variables here
   variables["ASAN_OPTIONS"] = inherited != nullptr ? inherited : "";
   join(variables, "ASAN_OPTIONS", "verify_asan_link_order=0");
+#elif defined(__SANITIZE_THREAD__)
+  // Qt orders its threads by futexes, which the sanitizer does not see; so it must not judge what Qt reads and writes by
+  // way of the C library.
+  const char* inherited = std::getenv("TSAN_OPTIONS");  // NOLINT(concurrency-mt-unsafe): nothing sets variables here
+  variables["TSAN_OPTIONS"] = inherited != nullptr ? inherited : "";
+  join(variables, "TSAN_OPTIONS", "ignore_noninstrumented_modules=1");
 #endif
   for (const auto& [name, value] : more) {
     if (name == "LD_PRELOAD" || name == "ASAN_OPTIONS") {
