@@ -71,7 +71,9 @@ def fault(source, included):
         return f"{included} is in no folder that this check knows"
     if is_test(included) and not is_test(source):
         return "only tests may include what is made for tests"
-    allowed = known_to(folder) | ({"test_support"} if is_test(source) else set())
+    allowed = known_to(folder)
+    if is_test(source):
+        allowed |= {"test_support"} | ({"sim"} if folder == "tools" else set())
     if other not in allowed:
         beside = sorted(allowed - {folder})
         return f"{folder} may include " + (f"itself, {', '.join(beside)}" if beside else "itself only")

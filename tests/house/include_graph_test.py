@@ -85,6 +85,13 @@ class IncludeGraph(unittest.TestCase):
         self.write("libs/vgn/test/system_test.cpp", '#include "sim/story.h"\n')
         self.expect_fault("libs/vgn/test/system_test.cpp:1:")
 
+    def test_a_tools_tests_may_run_it_against_the_simulation(self):
+        self.write("sim/story.h")
+        self.write("tools/vgnctl/test/property_test.cpp", '#include "sim/story.h"\n')
+        self.expect_none()
+        self.write("tools/vgnctl/main.cpp", '#include "sim/story.h"\n')
+        self.expect_fault("tools/vgnctl/main.cpp:1:")
+
     def test_a_folder_without_a_level_is_told(self):
         self.write("libs/new_lib/thing.cpp")
         self.expect_fault("libs/new_lib/thing.cpp:1:", "no level")
