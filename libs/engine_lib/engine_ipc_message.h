@@ -15,6 +15,7 @@ struct message_type {
   int32_t family = 0;
   int32_t type = 0;
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy 14 sees a zero in what the compiler makes of it
   auto operator<=>(const message_type&) const = default;
 };
 

@@ -78,8 +78,8 @@ simulated_faults_t read_simulated_faults() {
 double wall_seconds() {
   timespec now{};
   clock_gettime(CLOCK_REALTIME, &now);
-  const int64_t nanoseconds = int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
-  return static_cast<double>(nanoseconds / 1000) / 1e6;
+  const int64_t microseconds = int64_t{now.tv_sec} * 1'000'000 + now.tv_nsec / 1000;
+  return static_cast<double>(microseconds) / 1e6;
 }
 
 void update_decoder_status(decoder_status_t& cache, const videng::decoder_entry_t& entry,
