@@ -41,23 +41,30 @@ void on_same_thread(benchmark::State& state, Post post) {
   count_closures(state, bench::allocation_count() - before);
 }
 
-/// The loop runs on another thread; each group is waited for, so the hand-over of a group is in the time.
+/// The loop runs on another thread, which is held until a group is posted: else the two would change places at every
+/// closure or at none, as the scheduler likes. The hand-over of the group is in the time.
 template <typename Post>
 void on_other_thread(benchmark::State& state, Post post) {
   zyl::event_loop_t loop;
   std::thread runner([&loop] { loop.run(); });
   std::atomic<int> ran{0};
-  const uint64_t before = bench::allocation_count();
+  std::atomic<bool> held{false};
+  uint64_t allocations = 0;
   for ([[maybe_unused]] auto step : state) {
     ran = 0;
+    held = true;
+    zyl::post(loop.base(), [&held] { held.wait(true); });
+    const uint64_t before = bench::allocation_count();
     for (int i = 0; i < group; ++i) {
       post(loop.base(), ran);
     }
+    allocations += bench::allocation_count() - before;
+    held = false;
+    held.notify_one();
     for (int seen = ran; seen < group; seen = ran) {
       ran.wait(seen);
     }
   }
-  const uint64_t allocations = bench::allocation_count() - before;
   loop.stop();
   runner.join();
   count_closures(state, allocations);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char* name = "vgn.Bench";
 constexpr const char* object = "/vgn/bench";
-constexpr const char* interface = "vgn.Bench.Properties";
+constexpr const char* interface = "vgn.Bench.Screen";
 
 int check(int result, const char* what) {
   if (result < 0) {
@@ -38,17 +38,32 @@ void turn(sd_bus* bus) {
   }
 }
 
-int on_set(sd_bus_message* message, void* /*unused*/, sd_bus_error* /*error*/) {
-  const char* path = nullptr;
+int on_set(sd_bus_message* message, void* /*served*/, sd_bus_error* /*error*/) {
   const char* value = nullptr;
-  check(sd_bus_message_read(message, "ss", &path, &value), "the arguments of Set");
-  return check(sd_bus_emit_signal(sd_bus_message_get_bus(message), object, interface, "Changed", "ss", path, value),
+  check(sd_bus_message_read(message, "s", &value), "the argument of Set");
+  return check(sd_bus_emit_signal(sd_bus_message_get_bus(message), object, interface, "Changed", "s", value),
                "sd_bus_emit_signal");
 }
 
-const sd_bus_vtable methods[] = {
+int on_set_property(sd_bus* bus, const char* /*path*/, const char* /*interface*/, const char* /*property*/,
+                    sd_bus_message* message, void* served, sd_bus_error* /*error*/) {
+  const char* value = nullptr;
+  check(sd_bus_message_read(message, "s", &value), "the value of Text");
+  *static_cast<std::string*>(served) = value;
+  return check(sd_bus_emit_properties_changed(bus, object, interface, "Text", nullptr),
+               "sd_bus_emit_properties_changed");
+}
+
+int on_get_property(sd_bus* /*bus*/, const char* /*path*/, const char* /*interface*/, const char* /*property*/,
+                    sd_bus_message* reply, void* served, sd_bus_error* /*error*/) {
+  return sd_bus_message_append(reply, "s", static_cast<std::string*>(served)->c_str());
+}
+
+const sd_bus_vtable members[] = {
     SD_BUS_VTABLE_START(0),
-    SD_BUS_METHOD("Set", "ss", "", on_set, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("Set", "s", "", on_set, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_WRITABLE_PROPERTY("Text", "s", on_get_property, on_set_property, 0,
+                             SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE | SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_VTABLE_END,
 };
 
@@ -63,7 +78,8 @@ void run_dbus_daemon(const std::string& address, int ready_fd) {
 
 void serve_dbus_properties(const std::string& address, int ready_fd) {
   sd_bus* bus = open_bus(address);
-  check(sd_bus_add_object_vtable(bus, nullptr, object, interface, methods, nullptr), "sd_bus_add_object_vtable");
+  std::string text;
+  check(sd_bus_add_object_vtable(bus, nullptr, object, interface, members, &text), "sd_bus_add_object_vtable");
   check(sd_bus_request_name(bus, name, 0), "sd_bus_request_name");
   tell_ready(ready_fd);
   for (;;) {
@@ -74,24 +90,45 @@ void serve_dbus_properties(const std::string& address, int ready_fd) {
 dbus_properties_client_t::dbus_properties_client_t(const std::string& address) : bus(open_bus(address)) {
   check(sd_bus_match_signal(bus.get(), nullptr, nullptr, object, interface, "Changed", on_changed, this),
         "sd_bus_match_signal");
+  check(sd_bus_match_signal(bus.get(), nullptr, nullptr, object, "org.freedesktop.DBus.Properties", "PropertiesChanged",
+                            on_properties_changed, this),
+        "sd_bus_match_signal");
 }
 
-void dbus_properties_client_t::set_and_wait(const std::string& path, const std::string& value) {
+void dbus_properties_client_t::set_property_and_wait(const std::string& value) {
+  check(sd_bus_set_property(bus.get(), name, object, interface, "Text", nullptr, "s", value.c_str()),
+        "sd_bus_set_property");
+  wait_for(value);
+}
+
+void dbus_properties_client_t::call_and_wait(const std::string& value) {
   sd_bus_message* call = nullptr;
   check(sd_bus_message_new_method_call(bus.get(), &call, name, object, interface, "Set"), "a call of Set");
   const std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)> owned(call, sd_bus_message_unref);
-  check(sd_bus_message_append(call, "ss", path.c_str(), value.c_str()), "the arguments of Set");
+  check(sd_bus_message_append(call, "s", value.c_str()), "the argument of Set");
   check(sd_bus_message_set_expect_reply(call, 0), "sd_bus_message_set_expect_reply");
   check(sd_bus_send(bus.get(), call, nullptr), "sd_bus_send");
-  for (told.clear(); told != value;) {
+  wait_for(value);
+}
+
+void dbus_properties_client_t::wait_for(const std::string& value) {
+  while (told != value) {
     turn(bus.get());
   }
 }
 
 int dbus_properties_client_t::on_changed(sd_bus_message* message, void* self, sd_bus_error* /*error*/) {
-  const char* path = nullptr;
   const char* value = nullptr;
-  check(sd_bus_message_read(message, "ss", &path, &value), "the arguments of Changed");
+  check(sd_bus_message_read(message, "s", &value), "the argument of Changed");
+  static_cast<dbus_properties_client_t*>(self)->told = value;
+  return 0;
+}
+
+int dbus_properties_client_t::on_properties_changed(sd_bus_message* message, void* self, sd_bus_error* /*error*/) {
+  const char* changed_interface = nullptr;
+  const char* property = nullptr;
+  const char* value = nullptr;
+  check(sd_bus_message_read(message, "sa{sv}", &changed_interface, 1, &property, "s", &value), "a changed property");
   static_cast<dbus_properties_client_t*>(self)->told = value;
   return 0;
 }

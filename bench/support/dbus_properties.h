@@ -21,15 +21,20 @@ class dbus_properties_client_t {
   /// Throws `std::system_error` if the bus does not take it.
   explicit dbus_properties_client_t(const std::string& address);
 
-  /// Sends a "Set" that wants no answer, and waits for the "Changed".
-  void set_and_wait(const std::string& path, const std::string& value);
+  /// Sets the property, as the standard interface has it with an answer, and waits until the change is told.
+  void set_property_and_wait(const std::string& value);
+
+  /// Calls the bare method, wanting no answer, and waits for the bare signal: the least that D-Bus can be asked for.
+  void call_and_wait(const std::string& value);
 
  private:
   struct closer_t {
     void operator()(sd_bus* bus) const { sd_bus_flush_close_unref(bus); }
   };
 
+  void wait_for(const std::string& value);
   static int on_changed(sd_bus_message* message, void* self, sd_bus_error* error);
+  static int on_properties_changed(sd_bus_message* message, void* self, sd_bus_error* error);
 
   std::unique_ptr<sd_bus, closer_t> bus;
   std::string told;

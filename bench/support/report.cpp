@@ -59,10 +59,10 @@ class reporter_t : public benchmark::BenchmarkReporter {
       if (run.error_occurred) {
         std::printf("%s: %s\n", name.c_str(), run.error_message.c_str());
       } else if (run.report_big_o) {
-        growth.push_back(run.run_name.function_name + ": " + quantity(run.GetAdjustedRealTime()) + " ns a byte times " +
+        growth.push_back(run.run_name.function_name + ": " + quantity(run.GetAdjustedCPUTime()) + " ns a byte times " +
                          big_o(run.complexity));
       } else if (run.report_rms) {
-        growth.back() += ", off by " + quantity(100 * run.GetAdjustedRealTime()) + "%";
+        growth.back() += ", off by " + quantity(100 * run.GetAdjustedCPUTime()) + "%";
       } else if (run.run_type == Run::RT_Iteration) {
         add(name, run);
       }
