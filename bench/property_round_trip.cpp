@@ -102,7 +102,7 @@ void qt_monitor(benchmark::State& state, const std::string& watched) {
 
 /// `control_lib::property_monitor_engine_t` on the libevent loop.
 void engine_monitor(benchmark::State& state, const std::string& watched) {
-  class observer_t : public control_lib::property_observer_eb_t {
+  class observer_t final : public control_lib::property_observer_eb_t {
    public:
     void on_property(control_lib::property_response_e /*kind*/, const std::string& /*path*/,
                      const std::string& value) override {

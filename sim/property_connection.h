@@ -21,8 +21,8 @@ namespace sim {
 /// and a client that lets `pending_limit` bytes of changes pile up is dropped.
 class property_connection_t {
  public:
-  static constexpr std::size_t answers_limit = 256 * 1024;
-  static constexpr std::size_t pending_limit = 4 * 1024 * 1024;
+  static constexpr std::size_t answers_limit = std::size_t{256} * 1024;
+  static constexpr std::size_t pending_limit = std::size_t{4} * 1024 * 1024;
 
   /// Texts that lie in the connection's buffer: they are good for the call that gives them.
   using fields_t = std::vector<std::string_view>;

@@ -10,7 +10,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
-#include <new>
+#include <memory>
 #include <stdexcept>
 #include <system_error>
 
@@ -26,7 +26,7 @@ std::atomic<uint64_t>* shared_counter() {
   if (page == MAP_FAILED) {
     throw system_error("mmap");
   }
-  return new (page) std::atomic<uint64_t>(0);
+  return std::construct_at(static_cast<std::atomic<uint64_t>*>(page), 0);
 }
 
 }  // namespace
