@@ -3,6 +3,7 @@
 #include <iostream>
 #include <string>
 
+#include "tools/vgnctl/edid/edid_commands.h"
 #include "tools/vgnctl/exit_status.h"
 #include "tools/vgnctl/property/property_commands.h"
 
@@ -56,6 +57,7 @@ int run(int argc, char** argv) {
   CLI::App app("Looks at the appliance and steers it.", "vgnctl");
   app.require_subcommand(1);
   vgnctl::register_property_commands(app);
+  vgnctl::register_edid_commands(app);
   app.footer(help_footer);  // at the end, as each subcommand begins with a copy of the footer
   const int status = parse_and_run(app, argc, argv);
   if (status == vgnctl::exit_done && !std::cout.flush()) {

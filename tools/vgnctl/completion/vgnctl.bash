@@ -53,7 +53,9 @@ _vgnctl() {
   local subcommands
   subcommands=$(_vgnctl_section Subcommands "$help")
   if [[ $word == -* ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "$(_vgnctl_section Options "$help")" -- "$word")
+    mapfile -t COMPREPLY < <(
+      compgen -W "$(_vgnctl_section Options "$help"; _vgnctl_section Chain "$help")" -- "$word"
+    )
   elif [[ $subcommands ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$subcommands" -- "$word")
   else
@@ -64,7 +66,8 @@ _vgnctl() {
         [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == */ ]] && compopt -o nospace
         ;;
       "property set:1") compopt -o default ;; # values that name files, as for the simulated appliance
-      "property "*) ;;
+      "edid tables:0") mapfile -t COMPREPLY < <(compgen -W "established dmt cta hdmi" -- "$word") ;;
+      "property "* | "edid mode:"* | "edid compare:"* | "edid color:"* | "edid tables:"*) ;;
       *) compopt -o default ;;
     esac
   fi

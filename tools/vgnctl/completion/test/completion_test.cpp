@@ -71,6 +71,18 @@ TEST_F(Completion, OffersTheOptionsOfTheCommand) {
   EXPECT_THAT(offered("property dump --j"), ElementsAre("--json"));
 }
 
+TEST_F(Completion, OffersFilesForEdidsAndNamesOfTables) {
+  EXPECT_THAT(offered("edid mo"), ElementsAre("mode", "modes"));
+  for (const std::string command : {"report", "modes --usable", "info a.bin", "rewrite"}) {
+    EXPECT_THAT(offered("edid " + command + " ''"), ElementsAre("compopt -o default")) << command;
+  }
+  EXPECT_THAT(offered("edid tables ''"), ElementsAre("cta", "dmt", "established", "hdmi"));
+  EXPECT_THAT(offered("edid tables d"), ElementsAre("dmt"));
+  EXPECT_THAT(offered("edid tables dmt ''"), IsEmpty());
+  EXPECT_THAT(offered("edid mode ''"), IsEmpty());
+  EXPECT_THAT(offered("edid modes --u"), ElementsAre("--unsupported", "--usable"));
+}
+
 TEST_F(Completion, OffersPathsOfTheRunningServicePartByPart) {
   EXPECT_THAT(offered("property get ''"), ElementsAre("/", "compopt -o nospace"));
   EXPECT_THAT(offered("property get /"), ElementsAre("/sys/", "/tarn/"));
