@@ -12,7 +12,7 @@ constexpr uint8_t padding = 1;
 }  // namespace
 
 det_timings_block_t::det_timings_block_t(std::span<const uint8_t> block_bytes, uint32_t block_offset, uint32_t entries)
-    : edid_block_t(block_bytes), position(block_offset), room(0) {
+    : edid_block_t(block_bytes), position(block_offset) {
   set_capacity(entries);
 }
 

@@ -57,7 +57,7 @@ class det_timings_block_t final : public edid_block_t {
   detailed_entry_view_t entry(std::size_t index) const;
 
   uint32_t position;
-  uint32_t room;
+  uint32_t room = 0;
 };
 
 }  // namespace edid_lib

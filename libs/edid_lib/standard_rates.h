@@ -7,9 +7,9 @@ namespace edid_lib {
 
 /// A rate that modes are named by, in Hz.
 struct standard_rate_t {
-  float rate;
   std::string_view text;  ///< Without decimals if the rate is whole, else with two.
-  uint8_t whole;          ///< The place of the nearest whole rate in the list.
+  float rate;
+  uint8_t whole;  ///< The place of the nearest whole rate in the list.
 };
 
 /// The standard rate that `fps` is named by: the nearest one, of two as near the greater, at most 240; with

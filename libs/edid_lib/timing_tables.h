@@ -53,7 +53,7 @@ class timing_table_t {
   };
 
   struct named_row_t {
-    mode_name_t name;
+    mode_name_t name = {};
     const timing_row_t* row = nullptr;  ///< Null: the slot is free.
   };
 

@@ -1,10 +1,9 @@
-#include <locale.h>
-#include <stdlib.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <clocale>
 #include <cmath>
+#include <cstdlib>
 #include <iterator>
 #include <limits>
 #include <numeric>
@@ -130,10 +129,10 @@ class text_buffer_t {
   /// As a stream writes it: at most six digits, and no point behind a whole number.
   void add(float number) { end = std::to_chars(end, std::end(characters), number, std::chars_format::general, 6).ptr; }
 
-  std::string text() const { return std::string(std::begin(characters), static_cast<const char*>(end)); }
+  std::string text() const { return {characters, static_cast<std::size_t>(end - characters)}; }
 
  private:
-  char characters[80];  ///< Two numbers, a rate and two aspects, the longest of them.
+  char characters[80] = {};  ///< Two numbers, a rate and two aspects, the longest of them.
   char* end = characters;
 };
 

@@ -19,7 +19,8 @@ cta_hdmi_vsdb_t hdmi(uint8_t flags, std::initializer_list<uint8_t> rest) {
   auto bytes = data_block(3, {0x03, 0x0C, 0x00, 0x10, 0x00, 0x00, 0x00, flags});
   bytes.insert(bytes.end(), rest);
   bytes[0] = static_cast<uint8_t>(3 << 5 | (bytes.size() - 1));
-  return cta_hdmi_vsdb_t(bytes);
+  const cta_hdmi_vsdb_t block(bytes);
+  return block;
 }
 
 std::vector<std::string> keys_of(const cta_hdmi_vsdb_t& block) {

@@ -322,9 +322,11 @@ TEST(Properties, CopiesAreIndependent) {
     const edid_t changed = written(source, random.list());
     EXPECT_EQ(source.assemble(), before);
     const auto after = changed.assemble();
-    edid_t other(changed);
+    edid_t other;
+    other = changed;
     other.base()->reset();
     EXPECT_EQ(changed.assemble(), after);
+    EXPECT_NE(other.assemble(), after);
   }
 }
 
