@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -19,10 +20,16 @@ namespace {
 constexpr const char* log_file = "/media/log/stacktrace";
 constexpr const char* second_log_file = "/var/log/stacktrace_new";
 
+constexpr std::array fatal_signals{SIGILL, SIGSEGV, SIGBUS, SIGABRT};
+
 constexpr int deepest_stack = 30;
 constexpr unsigned hang_limit_s = 5;
 
 const char* program_name = "(unknown application)";
+
+/// The kernel's id of the thread that crashed first; 0 before.
+std::atomic<pid_t> reporter{0};
+static_assert(decltype(reporter)::is_always_lock_free);
 
 /// What the report says, but for the time, which is each target's own.
 struct crash_t {
@@ -116,21 +123,64 @@ void write_where_it_went() {
   put(STDERR_FILENO, "\n");
 }
 
-void end_at_once(int /*signal*/) { ::_exit(EXIT_FAILURE); }
-
-// What crashed may have held the allocator's lock, or the logger's, or that of the time zone.
-void limit_the_hang() {
-  struct sigaction action {};
-  action.sa_handler = end_at_once;
-  sigaction(SIGALRM, &action, nullptr);
-  sigset_t alarm_only;
-  sigemptyset(&alarm_only);
-  sigaddset(&alarm_only, SIGALRM);
-  pthread_sigmask(SIG_UNBLOCK, &alarm_only, nullptr);
-  ::alarm(hang_limit_s);
+// Returns on the thread that crashes first. It may be here again from one of its exit handlers, which must not end in
+// another report, nor in a second round of exit handlers. Other threads must not cut it short.
+void claim_the_report() {
+  const pid_t self = ::gettid();
+  pid_t first = 0;
+  if (reporter.compare_exchange_strong(first, self)) {
+    return;
+  }
+  if (first == self) {
+    ::_exit(EXIT_FAILURE);
+  }
+  for (;;) {
+    ::pause();
+  }
 }
 
 void on_fatal_signal(int signal, siginfo_t* info, void* /*context*/) { report_fatal_signal(signal, *info); }
+
+void take_fatal_signals() {
+  struct sigaction action {};
+  action.sa_sigaction = on_fatal_signal;
+  action.sa_flags = SA_SIGINFO;
+  sigfillset(&action.sa_mask);
+  for (const int signal : fatal_signals) {
+    sigaction(signal, &action, nullptr);
+  }
+}
+
+void end_at_once(int /*signal*/) { ::_exit(EXIT_FAILURE); }
+
+void take_the_alarm() {
+  struct sigaction action {};
+  action.sa_handler = end_at_once;
+  sigaction(SIGALRM, &action, nullptr);
+}
+
+// What was held back during the report must not end the process ahead of its exit handlers.
+void forget_pending(const sigset_t& signals) {
+  const timespec no_time{};
+  while (sigtimedwait(&signals, nullptr, &no_time) > 0) {
+  }
+}
+
+// An exit handler may hang, as what crashed may have held the allocator's lock or a logger's. It may also crash, and a
+// fault whose signal is blocked would end the process by that signal.
+void guard_the_exit() {
+  take_fatal_signals();
+  take_the_alarm();
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGALRM);
+  for (const int signal : fatal_signals) {
+    sigaddset(&signals, signal);
+  }
+  forget_pending(signals);
+  pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+  ::alarm(hang_limit_s);
+}
 
 // The first calls load libraries and files, which allocates; so they must not be the handler's.
 void call_for_the_first_time() {
@@ -145,17 +195,11 @@ void call_for_the_first_time() {
 void install_fatal_signal_handler(const char* name) {
   program_name = name;
   call_for_the_first_time();
-  struct sigaction action {};
-  action.sa_sigaction = on_fatal_signal;
-  action.sa_flags = SA_SIGINFO;
-  sigfillset(&action.sa_mask);
-  for (const int signal : {SIGILL, SIGSEGV, SIGBUS, SIGABRT}) {
-    sigaction(signal, &action, nullptr);
-  }
+  take_fatal_signals();
 }
 
 void report_fatal_signal(int signal, const siginfo_t& info) {
-  limit_the_hang();
+  claim_the_report();
   crash_t crash;
   crash.depth = backtrace(crash.stack.data(), deepest_stack);
   crash.signal = fatal_signal_text(signal);
@@ -165,7 +209,7 @@ void report_fatal_signal(int signal, const siginfo_t& info) {
   append_report(second_log_file, crash);
   write_report(STDERR_FILENO, crash);
   write_where_it_went();
-  limit_the_hang();
+  guard_the_exit();
   // By way of the exit handlers: they are part of how the program ends, also in a crash.
   std::exit(EXIT_FAILURE);  // NOLINT(concurrency-mt-unsafe)
 }

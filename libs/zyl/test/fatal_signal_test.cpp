@@ -2,16 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <linux/capability.h>
-#include <sys/prctl.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
 #include <csignal>
-#include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <iterator>
 #include <string>
@@ -19,7 +11,9 @@
 #include <vector>
 
 #include "test_support/crash_report.h"
+#include "zyl/test/fatal_signal_fixture.h"
 
+namespace zyl {
 namespace {
 
 using test_support::crash_log;
@@ -28,171 +22,10 @@ using test_support::crash_report_t;
 using test_support::file_content;
 using test_support::only_report_in;
 using test_support::second_crash_log;
-using testing::Each;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::MatchesRegex;
-using testing::Not;
 
-#if defined(__SANITIZE_THREAD__)
-constexpr bool thread_sanitizer = true;
-#else
-constexpr bool thread_sanitizer = false;
-#endif
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool own_allocator = true;
-#else
-constexpr bool own_allocator = thread_sanitizer;
-#endif
-
-constexpr const char* name = "/opt/a program";
-
-/// How a program ended that was meant to crash, and what it said.
-struct end_t {
-  int status = -1;                        // as a shell tells it
-  std::vector<std::string> error_writes;  // each write to standard error
-  std::vector<std::string> lines;         // of standard output
-
-  std::string error_text() const {
-    std::string text;
-    for (const auto& piece : error_writes) {
-      text += piece;
-    }
-    return text;
-  }
-};
-
-/// The receiving end of a program's output, one packet a write, and the sending one.
-struct channel_t {
-  channel_t() {
-    std::array<int, 2> ends{-1, -1};
-    [[maybe_unused]] const int made = socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data());
-    receiver = ends[0];
-    sender = ends[1];
-  }
-  ~channel_t() {
-    close(receiver);
-    close(sender);
-  }
-
-  channel_t(const channel_t&) = delete;
-  channel_t& operator=(const channel_t&) = delete;
-
-  /// The packets until there is no sender any more.
-  std::vector<std::string> packets() const {
-    std::vector<std::string> all;
-    std::array<char, 8192> buffer{};
-    for (;;) {
-      const ssize_t size = recv(receiver, buffer.data(), buffer.size(), 0);
-      if (size <= 0) {
-        return all;
-      }
-      all.emplace_back(buffer.data(), static_cast<std::size_t>(size));
-    }
-  }
-
-  int receiver = -1;
-  int sender = -1;
-};
-
-std::string victim_path() {
-  return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "fatal_signal_victim";
-}
-
-// Even root, without the right to ignore permissions.
-[[noreturn]] void execute(std::vector<std::string> words, int output, int error) {
-  dup2(output, STDOUT_FILENO);
-  dup2(error, STDERR_FILENO);
-  prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE);
-  for (const auto& [variable, value] : test_support::with_sanitizers_aside()) {
-    setenv(variable.c_str(), value.c_str(), 1);
-  }
-  std::vector<char*> arguments;
-  for (auto& word : words) {
-    arguments.push_back(word.data());
-  }
-  arguments.push_back(nullptr);
-  execv(victim_path().c_str(), arguments.data());
-  _exit(127);
-}
-
-/// Has a program crash as the words say.
-end_t crash(std::vector<std::string> words) {
-  words.insert(words.begin(), name);
-  channel_t output;
-  channel_t error;
-  const pid_t child = fork();
-  if (child == 0) {
-    execute(words, output.sender, error.sender);
-  }
-  close(std::exchange(output.sender, -1));
-  close(std::exchange(error.sender, -1));
-  end_t end;
-  end.error_writes = error.packets();
-  end.lines = output.packets();
-  int status = 0;
-  waitpid(child, &status, 0);
-  end.status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
-  return end;
-}
-
-/// What standard error says but for the line behind the report.
-crash_report_t report_on_standard_error(const end_t& end) {
-  const std::string text = end.error_text();
-  crash_report_reader_t reader(text);
-  const crash_report_t read = reader.report();
-  EXPECT_EQ(reader.unread(), test_support::crash_report_trailer);
-  return read;
-}
-
-/// The seconds of a report's time.
-std::time_t seconds(const std::string& text) {
-  std::tm time{};
-  const char* end = strptime(text.c_str(), "%c", &time);
-  EXPECT_TRUE(end != nullptr && *end == '\0') << text;
-  time.tm_isdst = -1;
-  return std::mktime(&time);
-}
-
-class FatalSignal : public testing::Test {
- protected:
-  FatalSignal() {
-    unsetenv("TZ");  // as on the appliance; it is then that the C library looks for changes of the zone
-    tzset();
-    for (const char* folder : {"/media/log", "/var/log"}) {
-      std::filesystem::create_directories(folder);
-    }
-  }
-
-  void expect_report(const crash_report_t& report, const std::string& signal, const std::string& code,
-                     const std::string& address) const {
-    EXPECT_EQ(report.program, name);
-    EXPECT_EQ(report.signal, signal);
-    EXPECT_EQ(report.code, code);
-    EXPECT_EQ(report.address, address);
-    EXPECT_GE(seconds(report.time), begin);
-    EXPECT_LE(seconds(report.time), std::time(nullptr));
-    EXPECT_THAT(report.stack, Not(IsEmpty()));
-    EXPECT_LE(report.stack.size(), 30U);
-    EXPECT_THAT(report.stack, Each(MatchesRegex(".+\\[0x[0-9a-f]+\\]")));
-  }
-
-  /// The process ended with status 1, and the report is in all three places.
-  void expect_reported(const end_t& end, const std::string& signal, const std::string& code,
-                       const std::string& address) const {
-    EXPECT_EQ(end.status, 1);
-    expect_report(report_on_standard_error(end), signal, code, address);
-    expect_report(only_report_in(crash_log), signal, code, address);
-    expect_report(only_report_in(second_crash_log), signal, code, address);
-  }
-
-  std::time_t begin = std::time(nullptr);
-};
-
-const std::string segv = "SIGSEGV (segmentation fault)";
 const std::string not_mapped = "SEGV_MAPERR (address not mapped to object)";
-const std::string forbidden = "SEGV_ACCERR (invalid permissions for mapped object)";
-const std::string unknown_code = "(unknown code)";
 
 TEST_F(FatalSignal, OfAnAddressThatIsNotMapped) {
   const end_t end = crash({"unmapped"});
@@ -281,6 +114,21 @@ TEST_F(FatalSignal, IsAddedToTheReportsBefore) {
   EXPECT_EQ(report_on_standard_error(second).signal, "SIGABRT (abnormal termination)");
 }
 
+TEST_F(FatalSignal, TellsThirtyCallsOfADeepStack) {
+  const end_t end = crash({"deep"});
+  expect_reported(end, segv, forbidden, end.lines.at(0).substr(0, 18));
+  EXPECT_EQ(report_on_standard_error(end).stack.size(), 30U);
+  EXPECT_EQ(only_report_in(crash_log).stack.size(), 30U);
+  EXPECT_EQ(only_report_in(second_crash_log).stack.size(), 30U);
+}
+
+TEST_F(FatalSignal, LeavesFilesThatEverybodyMayUseAsFarAsTheUmaskLetsIt) {
+  crash({"unmasked"});
+  for (const char* path : {crash_log, second_crash_log}) {
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms::all) << path;
+  }
+}
+
 void make_read_only(const char* folder) {
   std::filesystem::permissions(folder, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
 }
@@ -313,50 +161,6 @@ TEST_F(FatalSignal, WithoutLogFoldersIsTold) {
   expect_report(report_on_standard_error(end), segv, forbidden, end.lines.at(0).substr(0, 18));
   EXPECT_FALSE(std::filesystem::exists("/media/log"));
   EXPECT_FALSE(std::filesystem::exists("/var/log"));
-}
-
-TEST_F(FatalSignal, EndsTheProcessByItsExitHandlersWithAllSignalsButTheAlarmBlocked) {
-  const end_t end = crash({"forbidden"});
-  EXPECT_EQ(end.status, 1);
-  EXPECT_THAT(end.lines, ElementsAre(testing::_, "exiting\n", "blocked\n", "blocked\n", "blocked\n", "blocked\n",
-                                     "blocked\n", "blocked\n", "open\n", "exited\n", "destroyed\n"));
-}
-
-TEST_F(FatalSignal, DuringTheReportOfAnotherIsHeldBack) {
-  const end_t end = crash({"twice"});
-  EXPECT_EQ(end.lines.back(), "destroyed\n");
-  expect_reported(end, segv, forbidden, end.lines.at(0).substr(0, 18));
-}
-
-/// The exit handler hung on the lock that the crash left held; that ended the process, after the report.
-void expect_hung(const end_t& end) {
-  EXPECT_EQ(end.lines.at(1), "exiting\n");
-  EXPECT_NE(end.lines.back(), "exited\n");
-  EXPECT_NE(end.lines.back(), "destroyed\n");
-}
-
-TEST_F(FatalSignal, UnderTheAllocatorsLockIsReported) {
-  if (own_allocator) {
-    GTEST_SKIP() << "a sanitizer's allocator cannot be replaced by one that crashes";
-  }
-  const end_t end = crash({"malloc"});
-  expect_hung(end);
-  expect_reported(end, segv, forbidden, end.lines.at(0).substr(0, 18));
-}
-
-TEST_F(FatalSignal, UnderALoggersLockIsReported) {
-  if (thread_sanitizer) {
-    GTEST_SKIP() << "the thread sanitizer delivers no alarm while it waits for a lock";
-  }
-  const end_t end = crash({"logger"});
-  expect_hung(end);
-  expect_reported(end, segv, forbidden, end.lines.at(0).substr(0, 18));
-}
-
-TEST_F(FatalSignal, LeavesTheLoggersToThreadsThatGoOn) {
-  const end_t end = crash({"late_log"});
-  EXPECT_EQ(end.lines.back(), "a line\n");
-  expect_reported(end, segv, forbidden, end.lines.at(0).substr(0, 18));
 }
 
 TEST_F(FatalSignal, OfAFloatingPointExceptionIsLeftToTheSystem) {
@@ -396,7 +200,7 @@ struct sigaction action_of(int signal) {
 TEST_F(FatalSignal, HandlerTakesFourSignalsAndBlocksAll) {
   sigset_t all;
   sigfillset(&all);
-  zyl::install_fatal_signal_handler(name);
+  install_fatal_signal_handler(victim_t::name);
   for (const int signal : {SIGILL, SIGSEGV, SIGBUS, SIGABRT}) {
     const auto action = action_of(signal);
     EXPECT_NE(action.sa_flags & SA_SIGINFO, 0);
@@ -417,7 +221,7 @@ TEST_F(FatalSignal, HandlerLeavesOtherSignalsAlone) {
   for (const int signal : others) {
     before.push_back(action_of(signal).sa_handler);
   }
-  zyl::install_fatal_signal_handler(name);
+  install_fatal_signal_handler(victim_t::name);
   for (const int signal : others) {
     after.push_back(action_of(signal).sa_handler);
   }
@@ -425,3 +229,4 @@ TEST_F(FatalSignal, HandlerLeavesOtherSignalsAlone) {
 }
 
 }  // namespace
+}  // namespace zyl

@@ -1,12 +1,33 @@
-// Crashes in the way that its argument says, for the test of what is reported. Ahead of the crash it tells standard
+// Crashes in the way that its arguments say, for the tests of what is reported. Ahead of a crash it tells standard
 // output the address that the report must give; each of its lines there is one write.
 //
-//   fatal_signal_victim unmapped | forbidden | bus | illegal | abort | thread | malloc | logger | float | twice |
-//   no_name fatal_signal_victim queue SIGNAL CODE ADDRESS    sends itself the signal fatal_signal_victim report SIGNAL
-//   CODE ADDRESS   reports it without having installed the handler
+//   fatal_signal_victim CRASH [LATER]
+//   fatal_signal_victim queue SIGNAL CODE ADDRESS [LATER]     sends itself the signal
+//   fatal_signal_victim report SIGNAL CODE ADDRESS [LATER]    reports it without having installed the handler
+//
+// LATER is what an exit handler crashes by. It and CRASH are one of
+//
+//   unmapped     writes to memory that is not there
+//   forbidden    writes to memory that may not be written
+//   bus          writes behind the end of a mapped file
+//   illegal      runs an illegal instruction
+//   abort        calls std::abort
+//   terminate    calls std::terminate
+//   raise        raises SIGSEGV, which is no fault
+//   float        raises SIGFPE
+//   deep         as "forbidden", 50 calls deep
+//   unmasked     as "forbidden", with a umask of 0
+//   thread       as "forbidden", on another thread, and waits for that
+//   late_thread  as "forbidden"; another thread that has told its id does the same when standard input says so
+//   loose_thread tells the id of another thread, which does as "forbidden"; goes on when standard input says so
+//   malloc       as "forbidden", under the allocator's lock, which the exit handler wants too
+//   logger       as "forbidden", under a logger's lock, which the exit handler wants too
+//   late_log     as "forbidden", and logs when all static objects are destroyed
+//   no_name      as "forbidden", in a program with a null name
 
 #include <spdlog/sinks/base_sink.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -16,7 +37,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <functional>
+#include <future>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -118,6 +141,35 @@ void crash_in_logger() {
   log();
 }
 
+// --- crashes on two threads ---
+
+void wait_to_be_told() {
+  char byte = 0;
+  [[maybe_unused]] const ssize_t got = read(STDIN_FILENO, &byte, 1);
+}
+
+void tell_thread() { tell(std::to_string(gettid()) + "\n"); }
+
+void crash_ahead_of_another_thread() {
+  std::promise<void> told;
+  std::thread([&told] {
+    tell_thread();
+    told.set_value();
+    wait_to_be_told();
+    touch_forbidden();
+  }).detach();
+  told.get_future().wait();
+  touch_forbidden();
+}
+
+void let_another_thread_crash() {
+  std::thread([] {
+    tell_thread();
+    touch_forbidden();
+  }).detach();
+  wait_to_be_told();
+}
+
 // --- crashes that other threads outlive ---
 
 /// Tells what is logged.
@@ -141,8 +193,18 @@ void crash_and_log_late() {
 
 // --- the rest ---
 
-void crash_and_raise_again() {
-  when_exiting = [] { std::raise(SIGSEGV); };
+// What follows the call keeps it one.
+[[gnu::noinline]] void touch_forbidden_in_depth(int calls) {
+  if (calls == 0) {
+    touch_forbidden();
+  } else {
+    touch_forbidden_in_depth(calls - 1);
+  }
+  asm volatile("");
+}
+
+void touch_forbidden_unmasked() {
+  umask(0);
   touch_forbidden();
 }
 
@@ -160,13 +222,16 @@ void queue(char** words) {
   syscall(SYS_rt_sigqueueinfo, getpid(), info.si_signo, &info);
 }
 
-/// Tells of the way out: of the signals that are blocked there, and that it was taken to its end.
+/// Tells of the way out: of the signals that can be had there, and that it was taken to its end.
 void tell_exit() {
   tell("exiting\n");
   sigset_t blocked;
   pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
-  for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGSEGV, SIGUSR1, SIGCHLD, SIGALRM}) {
-    tell(sigismember(&blocked, signal) == 1 ? "blocked\n" : "open\n");
+  for (int signal = 1; signal <= SIGSYS; ++signal) {
+    if (sigismember(&blocked, signal) == 0 && signal != SIGKILL && signal != SIGSTOP) {
+      std::array<char, 16> line{};
+      tell({line.data(), static_cast<std::size_t>(std::snprintf(line.data(), line.size(), "open %d\n", signal))});
+    }
   }
   when_exiting();
   tell("exited\n");
@@ -177,10 +242,23 @@ struct static_object_t {
 };
 
 const std::map<std::string, void (*)()> crashes{
-    {"unmapped", touch_unmapped},          {"forbidden", touch_forbidden},   {"bus", touch_behind_the_file},
-    {"illegal", run_illegal_instruction},  {"abort", [] { std::abort(); }},  {"thread", touch_on_another_thread},
-    {"malloc", crash_in_malloc},           {"logger", crash_in_logger},      {"late_log", crash_and_log_late},
-    {"float", [] { std::raise(SIGFPE); }}, {"twice", crash_and_raise_again}, {"no_name", touch_forbidden},
+    {"unmapped", touch_unmapped},
+    {"forbidden", touch_forbidden},
+    {"bus", touch_behind_the_file},
+    {"illegal", run_illegal_instruction},
+    {"abort", [] { std::abort(); }},
+    {"terminate", [] { std::terminate(); }},
+    {"raise", [] { std::raise(SIGSEGV); }},
+    {"float", [] { std::raise(SIGFPE); }},
+    {"deep", [] { touch_forbidden_in_depth(50); }},
+    {"unmasked", touch_forbidden_unmasked},
+    {"thread", touch_on_another_thread},
+    {"late_thread", crash_ahead_of_another_thread},
+    {"loose_thread", let_another_thread_crash},
+    {"malloc", crash_in_malloc},
+    {"logger", crash_in_logger},
+    {"late_log", crash_and_log_late},
+    {"no_name", touch_forbidden},
 };
 
 }  // namespace
@@ -200,16 +278,20 @@ extern "C" void* malloc(std::size_t size) {
 
 int main(int argc, char** argv) {
   const std::string how = argc > 1 ? argv[1] : "";
+  const int described_words = how == "report" || how == "queue" ? 3 : 0;
+  if (argc > 2 + described_words) {
+    when_exiting = crashes.at(argv[2 + described_words]);
+  }
+  static static_object_t object;
+  std::atexit(tell_exit);
   if (how == "report") {
     zyl::report_fatal_signal(std::atoi(argv[2]), described(argv + 2));
   }
   zyl::install_fatal_signal_handler(how == "no_name" ? nullptr : argv[0]);
-  static static_object_t object;
-  std::atexit(tell_exit);
   if (how == "queue") {
     queue(argv + 2);
-  } else if (const auto crash = crashes.find(how); crash != crashes.end()) {
-    crash->second();
+  } else {
+    crashes.at(how)();
   }
   return 0;
 }
