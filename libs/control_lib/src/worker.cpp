@@ -7,7 +7,6 @@
 #include <exception>
 #include <fstream>
 #include <string>
-#include <system_error>
 #include <thread>
 
 #include "control_lib/src/source_tag.h"
@@ -36,7 +35,7 @@ worker_t::~worker_t() = default;
 void worker_t::spawn() {
   try {
     record->thread = std::thread([this] { work(); });
-  } catch (const std::system_error& error) {
+  } catch (const std::exception& error) {
     log_error_s() << source_tag("src/worker", __LINE__) << "Failed to start worker thread: " << error.what();
   }
 }

@@ -6,14 +6,18 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstddef>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <future>
 #include <iterator>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "control_lib/src/worker_manager_imp.h"
 #include "control_lib/test/stub_worker.h"
@@ -22,8 +26,32 @@
 using control_lib::stub_worker_t;
 using control_lib::worker_manager_imp_t;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
 using testing::MatchesRegex;
+
+namespace {
+
+thread_local bool no_memory = false;
+
+}  // namespace
+
+// NOLINTBEGIN(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory): the allocator itself
+
+/// The allocator of this program, which once has no memory when a test says so.
+void* operator new(std::size_t size) {
+  void* const got = std::exchange(no_memory, false) ? nullptr : std::malloc(size);
+  if (got == nullptr) {
+    throw std::bad_alloc();
+  }
+  return got;
+}
+
+void operator delete(void* freed) noexcept { std::free(freed); }
+
+void operator delete(void* freed, std::size_t /*size*/) noexcept { std::free(freed); }
+
+// NOLINTEND(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
 
 namespace {
 
@@ -194,6 +222,19 @@ TEST_F(Worker, WhoseThreadCannotBeStartedSaysSoAndCanBeStartedLater) {
                                            "\\]: \\[src/worker:[0-9]+\\] Failed to start worker thread: "
                                            "Resource temporarily unavailable"));
   EXPECT_EQ(log.entries()[0].level, spdlog::level::err);
+  bool ran = false;
+  run(worker, [&ran] { ran = true; });
+  EXPECT_TRUE(ran);
+}
+
+TEST_F(Worker, ForWhoseThreadThereIsNoMemorySaysSoAndCanBeStartedLater) {
+  stub_worker_t worker(manager);
+  no_memory = true;
+  worker.spawn();
+  EXPECT_FALSE(std::exchange(no_memory, false));
+  EXPECT_FALSE(worker.joinable());
+  ASSERT_EQ(log.lines().size(), 1U);
+  EXPECT_THAT(log.lines()[0], EndsWith("] Failed to start worker thread: std::bad_alloc"));
   bool ran = false;
   run(worker, [&ran] { ran = true; });
   EXPECT_TRUE(ran);
