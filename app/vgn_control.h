@@ -22,7 +22,7 @@ class VgnControl : public QObject {
   Q_OBJECT
 
  public:
-  /// Starts everything. `input`: path of the key input device.
+  /// Starts everything. `input`: path of the key input device, which is taken but not used yet.
   VgnControl(const QString& input, QObject* parent);
 
   /// Ends the threads and waits for them.

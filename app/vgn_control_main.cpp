@@ -47,7 +47,7 @@ int run(int argc, char** argv) {
   }
 
   const QString input_path = parser.value(input);
-  const VgnControl control(input_path, nullptr);
+  VgnControl control(input_path, nullptr);
   return QCoreApplication::exec();
 }
 

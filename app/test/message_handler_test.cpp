@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <cstdlib>
 #include <ctime>
 #include <functional>
@@ -134,6 +135,21 @@ TEST_F(MessageHandlerTest, SendsAFreshMessageToSyslogThenWithATimeStampToStandar
   EXPECT_THAT(linesOf([] { handle(QtWarningMsg, "a 100% text"); }),
               ElementsAre(testing::AllOf(StartsWith("<12>"), EndsWith(": a 100% text")),
                           MatchesRegex("....-..-..T..:..:..\\....Z : a 100% text\n")));
+}
+
+// Where Qt looks for the encoding: when it is first asked to encode.
+void useUtf8() {
+  setenv("LC_ALL", "C.UTF-8", 1);
+  std::setlocale(LC_ALL, "");
+}
+
+TEST_F(MessageHandlerTest, SendsTheLocalEncodingToBoth) {
+  useUtf8();
+  const QString text = QString::fromUtf16(u"Ger\u00e4t \u2192 \u0416");
+  const std::string encoded = "Ger\xc3\xa4t \xe2\x86\x92 \xd0\x96";
+  EXPECT_THAT(
+      linesOf([&text] { handle(QtWarningMsg, text); }),
+      ElementsAre(testing::AllOf(StartsWith("<12>"), EndsWith(": " + encoded)), EndsWith("Z : " + encoded + "\n")));
 }
 
 TEST_F(MessageHandlerTest, TheTimeStampIsInUtcWhateverTheTimeZone) {

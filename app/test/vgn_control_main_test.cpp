@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <QLoggingCategory>
 #include <QTimer>
 #include <cstdlib>
@@ -45,7 +46,10 @@ void closelog() { tell("closelog\n"); }
 void openlog(const char* ident, int option, int facility) {
   struct sigaction action {};
   sigaction(SIGSEGV, nullptr, &action);
-  tell(action.sa_handler != SIG_DFL ? "openlog, reporter installed\n" : "openlog, no reporter\n");
+  std::ostringstream line;
+  line << "openlog " << ident << ", " << option << ", " << facility
+       << (action.sa_handler != SIG_DFL ? ", reporter installed\n" : ", no reporter\n");
+  tell(line.str());
   reinterpret_cast<decltype(&openlog)>(dlsym(RTLD_NEXT, "openlog"))(ident, option, facility);
 }
 
@@ -230,6 +234,35 @@ TEST_F(VgnControlMainRunning, ReturnsTheCodeThatQtsLoopIsLeftWith) {
   EXPECT_EQ(program.exit_code(), 7);
 }
 
+/// Tells when the coordinator is destroyed, which it finds by the objects that join it.
+class CoordinatorWatch : public QObject {
+ public:
+  bool eventFilter(QObject* receiver, QEvent* event) override {
+    if (event->type() == QEvent::ChildAdded && !found && receiver->inherits("vgn_control::VgnControl")) {
+      found = true;
+      connect(receiver, &QObject::destroyed, [] { tell("coordinator destroyed\n"); });
+    }
+    return false;
+  }
+
+ private:
+  bool found = false;
+};
+
+void leaveTheLoopUnderWatch() {
+  static CoordinatorWatch watch;
+  qAddPreRoutine([] { QCoreApplication::instance()->installEventFilter(&watch); });
+  leaveTheLoopWithSeven();
+}
+
+TEST_F(VgnControlMainRunning, ClosesTheLogOnceWhenTheCoordinatorIsGone) {
+  program_t& program = launch({}, leaveTheLoopUnderWatch);
+  EXPECT_EQ(program.exit_code(), 7);
+  const std::string output = program_t::output();
+  EXPECT_THAT(output, EndsWith("coordinator destroyed\ncloselog\n"));
+  EXPECT_EQ(output.find("closelog"), output.rfind("closelog"));
+}
+
 // The coordinator asks for its log category first when it tells that it is blocked. On a stack of its own, because the
 // test framework waits on this one for what its tests throw.
 void failToMakeTheCoordinator() {
@@ -265,10 +298,13 @@ TEST(VgnControlMain, AFatalMessageIsLoggedAndReported) {
   EXPECT_EQ(report.code, "(unknown code)");
 }
 
-TEST(VgnControlMain, TakesTheFatalSignalsBeforeAnythingElse) {
+TEST(VgnControlMain, TakesTheFatalSignalsThenSetsTheLogsUpThenOpensTheMessageHandlersLog) {
   program_t program({"--help"});
   EXPECT_EQ(program.exit_code(), 0);
-  EXPECT_THAT(program_t::output(), AllOf(HasSubstr("openlog, reporter installed\n"), Not(HasSubstr("no reporter"))));
+  const std::string logs = "openlog vgn_control, " + std::to_string(LOG_CONS | LOG_ODELAY) + ", " +
+                           std::to_string(LOG_USER) + ", reporter installed\n";
+  const std::string message_handler = "openlog vgn_control, 0, " + std::to_string(LOG_USER) + ", reporter installed\n";
+  EXPECT_THAT(program_t::output(), StartsWith(logs + message_handler));
 }
 
 /// The program as it is in service: the bus tells that no engine runs, and there is neither streamer nor engine.
