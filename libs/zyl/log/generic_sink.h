@@ -21,7 +21,8 @@ namespace zyl {
 ///       [&](std::string_view text) { window.append(text); }));
 ///
 /// The function is called on the thread that logs, and under the sink's mutex: it must not log to the same sink, and
-/// keeps the view no longer than the call. What it throws goes to the logger's error handler.
+/// keeps the view no longer than the call. What it throws a module logger tells its error handler; a logger of spdlog's
+/// own class lets out of the logging call what is no `std::exception`.
 template <typename Mutex>
 class generic_sink : public spdlog::sinks::base_sink<Mutex> {
  public:

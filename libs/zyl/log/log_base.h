@@ -13,7 +13,7 @@ namespace zyl {
 /// A log line in the making: a temporary that is streamed into and hands its text to the logger when it dies.
 ///
 /// Text is never taken for a format string. With the level disabled nothing is formatted. No exception leaves the
-/// destructor: it goes to the logger's error handler, a foreign one as "Unknown exeption in logger". One thread.
+/// destructor: the logger tells its error handler, a module logger in the words of `guarded_logger_t`. One thread.
 class log_base_s : public std::ostream {
  public:
   log_base_s(spdlog::logger& logger, spdlog::level::level_enum level);
@@ -28,7 +28,7 @@ class log_base_s : public std::ostream {
   /// Whether the level was enabled at construction, and the object has not been closed since.
   bool enabled() const { return rdbuf() != nullptr; }
 
-  /// Hands one line to the logger, at this object's level. Exceptions end at the logger's error handler.
+  /// Hands one line to the logger, at this object's level. Exceptions end there.
   void write_line(std::string_view line) noexcept;
 
   /// Takes out what was streamed since the last call.

@@ -4,7 +4,7 @@
 //
 // and write: log_info_s() << "opened " << path;
 //
-// No include guard against a second file: each translation unit has its own five, bound to its own logger.
+// Included once per source file: each has its own five, bound to its own logger.
 #pragma once
 
 #include "zyl/log/log_base.h"

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "zyl/log/default_level.h"
+#include "zyl/log/guarded_logger.h"
 #include "zyl/log/patterns.h"
 
 namespace zyl {
@@ -22,7 +23,7 @@ void keep_for_ever(const std::shared_ptr<spdlog::logger>& logger) {
 }
 
 void install_default_logger() {
-  auto logger = std::make_shared<spdlog::logger>("default", std::make_shared<spdlog::sinks::stdout_color_sink_mt>());
+  auto logger = std::make_shared<guarded_logger_t>("default", std::make_shared<spdlog::sinks::stdout_color_sink_mt>());
   logger->set_pattern(log_patterns::full);
   logger->set_level(spdlog::level::info);
   keep_for_ever(logger);
@@ -32,7 +33,7 @@ void install_default_logger() {
 // The sinks bring their pattern along: setting it here would change it for all who share them, the log file's too.
 std::shared_ptr<spdlog::logger> make_logger(const std::string& name) {
   const auto& sinks = spdlog::default_logger_raw()->sinks();
-  auto logger = std::make_shared<spdlog::logger>(name, sinks.begin(), sinks.end());
+  auto logger = std::make_shared<guarded_logger_t>(name, sinks.begin(), sinks.end());
   logger->set_level(spdlog::level::info);
   spdlog::register_logger(logger);
   keep_for_ever(logger);

@@ -13,7 +13,8 @@ namespace zyl {
 ///
 /// Meant for a file-static reference, before `main`: it touches nothing but spdlog's registry. The first call in a
 /// process also makes the logger "default" and installs it as spdlog's default logger. Loggers live as long as the
-/// process, its exit handlers included. Any thread.
+/// process, its exit handlers included, and let no exception out of a logging call: they are `guarded_logger_t`. Any
+/// thread.
 spdlog::logger& module_logger(std::string_view name, std::string_view default_level = "info");
 
 }  // namespace zyl

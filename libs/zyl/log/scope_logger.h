@@ -21,7 +21,8 @@ pid_t thread_id();
 ///
 /// three blanks before the brackets of a box, four before those of text. Streamed text goes out on `flush()`,
 /// `std::flush` or `std::endl`, at the scope's level, one log line for each of its lines; the destructor writes what
-/// has not been flushed. A scope whose level is disabled when it begins writes nothing. One thread.
+/// has not been flushed. A scope whose level is disabled when it begins writes nothing, and no exception leaves it: a
+/// line that there is no memory for is missing. One thread.
 class scope_logger : public log_base_s {
  public:
   /// `name` is the text in the boxes. `logger` must outlive the scope.
@@ -38,7 +39,8 @@ class scope_logger : public log_base_s {
   void on_flush() override;
 
  private:
-  void write_streamed_text();
+  void write_box(const char* left_end, const char* right_end) noexcept;
+  void write_streamed_text() noexcept;
 
   std::string name;
 };

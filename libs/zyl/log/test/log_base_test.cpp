@@ -5,8 +5,11 @@
 #include <spdlog/sinks/ostream_sink.h>
 
 #include <memory>
+#include <mutex>
 #include <sstream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "zyl/log/module_logger.h"
 
@@ -84,17 +87,17 @@ TEST_F(LogBase, EachHelperCarriesItsLevel) {
 }
 
 TEST_F(LogBase, FailingSinkGoesToTheErrorHandler) {
-  std::string reported;
-  module_log.set_error_handler([&](const std::string& text) { reported = text; });
+  std::vector<std::string> reported;
+  module_log.set_error_handler([&](const std::string& text) { reported.push_back(text); });
   module_log.sinks() = {std::make_shared<throwing_sink_t>(true)};
-  log_info_s() << "x";
-  EXPECT_NE(reported.find("disk full"), std::string::npos);
+  EXPECT_NO_THROW(log_info_s() << "x");
+  EXPECT_EQ(reported, std::vector<std::string>{"disk full"});
 }
 
 TEST_F(LogBase, ForeignExceptionIsReportedAndDoesNotEscape) {
-  std::string reported;
-  module_log.set_error_handler([&](const std::string& text) { reported = text; });
+  std::vector<std::string> reported;
+  module_log.set_error_handler([&](const std::string& text) { reported.push_back(text); });
   module_log.sinks() = {std::make_shared<throwing_sink_t>(false)};
   EXPECT_NO_THROW(log_info_s() << "x");
-  EXPECT_EQ(reported, "Unknown exeption in logger");
+  EXPECT_EQ(reported, std::vector<std::string>{"Unknown exeption in logger"});
 }

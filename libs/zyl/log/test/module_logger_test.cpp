@@ -4,6 +4,7 @@
 #include <spdlog/spdlog.h>
 
 #include <algorithm>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -27,6 +28,19 @@ TEST(ModuleLogger, TheFirstCallMakesTheDefaultLogger) {
 
 TEST(ModuleLogger, SharesTheSinksOfTheDefaultLogger) {
   EXPECT_EQ(zyl::module_logger("sharing").sinks(), spdlog::default_logger_raw()->sinks());
+}
+
+TEST(ModuleLogger, BeforeBootstrapItsLayoutIsSpdlogsOwn) {
+  auto& logger = zyl::module_logger("layout");
+  testing::internal::CaptureStdout();
+  logger.warn("a text");
+  logger.flush();
+  const std::string line = testing::internal::GetCapturedStdout();
+  const std::string two = "[0-9][0-9]";
+  EXPECT_TRUE(testing::internal::RE::FullMatch(
+      line, testing::internal::RE("\\[" + two + two + "-" + two + "-" + two + " " + two + ":" + two + ":" + two +
+                                  "\\.[0-9]+\\] \\[layout\\] \\[warning\\] a text\n")))
+      << line;
 }
 
 TEST(ModuleLogger, EachLookUpAppliesTheDefaultLevel) {
