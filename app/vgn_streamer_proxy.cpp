@@ -22,6 +22,9 @@ static auto& module_log = zyl::module_logger("streamerproxy");
 namespace vgn_control {
 namespace {
 
+// edid_lib, which this proxy uses, has no log of its own. The logger exists for its entry in the level file.
+[[maybe_unused]] const auto& edid_log = zyl::module_logger("edid_tarn");
+
 constexpr const char* disconnected_image = "/var/run/xk-graphics/disconnected_image";
 
 // Connection and disconnection; the other events of an output come from what the proxy itself does to it.

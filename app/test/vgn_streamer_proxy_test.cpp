@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <spdlog/spdlog.h>
 
 #include <future>
 #include <ostream>
@@ -22,6 +23,12 @@ using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::Not;
 using vgn_control::vgn_streamer_proxy;
+
+TEST(StreamerProxyLoggers, TheLevelFileKnowsThoseOfThePartsThatLogNothing) {
+  for (const char* const name : {"edid_tarn", "lin_ipc", "lin_property"}) {
+    EXPECT_NE(spdlog::get(name), nullptr) << name;
+  }
+}
 
 TEST_F(StreamerProxyTest, RunMakesItsPartsAndStartsThemInOrder) {
   run({[this] {

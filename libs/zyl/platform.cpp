@@ -17,9 +17,14 @@ constexpr int read_timeout_ms = 1000;
 
 std::atomic<const platform_t*> installed_platform = nullptr;
 
-// The platform is read before `main`, perhaps before this file's own statics are there: so the logger is asked for at
-// each use, and the tables are made at their first.
-spdlog::logger& logger() { return module_logger("zyl_platform"); }
+// The platform is read before `main`, perhaps before this file's own statics are there: so the logger and the tables
+// are made at their first use. Each look-up applies the default level: there is one, and no later than before `main`,
+// since the level file comes after.
+spdlog::logger& logger() {
+  static auto& found = module_logger("zyl_platform");
+  return found;
+}
+[[maybe_unused]] const auto& early_logger = logger();
 
 uint32_t architecture_of(std::string_view word) {
   static const std::unordered_map<std::string_view, uint32_t> values{

@@ -11,8 +11,13 @@
 #include <cstring>
 #include <optional>
 
+#include "zyl/log/module_logger.h"
+
 namespace lnx {
 namespace {
+
+// Failures are told by results alone. The logger exists for its entry in the level file.
+[[maybe_unused]] const auto& module_log = zyl::module_logger("lin_ipc");
 
 /// Room for the ancillary records of one message.
 constexpr std::size_t control_size = 512;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <spdlog/spdlog.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -256,3 +257,5 @@ TEST(UnixSocket, ClosesItsDescriptorAtTheEnd) {
   }
   EXPECT_EQ(fcntl(fd, F_GETFD), -1);
 }
+
+TEST(UnixSocket, TheLevelFileKnowsItsLogger) { EXPECT_NE(spdlog::get("lin_ipc"), nullptr); }

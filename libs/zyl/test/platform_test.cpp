@@ -11,6 +11,7 @@
 #include "test_support/fake_property_service.h"
 #include "test_support/log_capture.h"
 #include "test_support/stub_property_service.h"
+#include "zyl/log/module_logger.h"
 
 using test_support::fake_property_service_t;
 using test_support::log_capture_t;
@@ -251,4 +252,16 @@ TEST(PlatformFromBusDeathTest, TwoFailedAttemptsEndTheProcess) {
         read_the_bus_with_output_on_stderr();
       },
       testing::ExitedWithCode(255), "platform_t unable to read");
+}
+
+TEST(PlatformLog, TheLoggerIsThereBeforeItIsUsed) { EXPECT_NE(spdlog::get("zyl_platform"), nullptr); }
+
+TEST(PlatformLog, ALevelThatWasSetSurvivesItsUse) {
+  const auto logger = spdlog::get("zyl_platform");
+  ASSERT_NE(logger, nullptr);
+  logger->set_level(spdlog::level::err);
+  platform_t::network_cpus(999);
+  platform_t::control_cpus(999);
+  EXPECT_EQ(logger->level(), spdlog::level::err);
+  logger->set_level(spdlog::level::info);
 }
