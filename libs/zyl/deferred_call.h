@@ -18,7 +18,8 @@ class deferred_call_t : public loop_owned_t {
 
   /// Has the loop call it on its next turn and then destroy it; a loop that ends before destroys it without calling.
   /// The object must have been made by `new`, alone, and belongs to the loop from this call on, also if it throws
-  /// `std::bad_alloc`: it must not be touched again. Calls posted by one thread are made in that order. Any thread.
+  /// `std::bad_alloc`, or `exception_t` for a null base: it must not be touched again. Calls posted by one thread are
+  /// made in that order. Any thread.
   void post(event_loop_t& loop);
   void post(event_base* base);
 

@@ -1,26 +1,18 @@
 #include "zyl/loop_owned.h"
 
-#include <new>
 #include <utility>
 #include <vector>
 
 namespace zyl {
 
-void loop_owned_t::make_event(event_base* base, short flags) {
-  trigger.reset(event_new(base, -1, flags, on_event, this));
-  if (!trigger) {
-    throw std::bad_alloc();
-  }
-}
-
 void loop_owned_t::activate_on(event_base* base, std::unique_ptr<loop_owned_t> self) {
-  self->make_event(base, 0);
+  self->trigger = make_event(base, 0, on_event, self.get());
   // From here on the loop may have destroyed it.
   event_active(self.release()->trigger.get(), 0, 0);
 }
 
 void loop_owned_t::repeat_on(event_base* base, const timeval& interval, std::unique_ptr<loop_owned_t> self) {
-  self->make_event(base, EV_PERSIST);
+  self->trigger = make_event(base, EV_PERSIST, on_event, self.get());
   event_add(self.release()->trigger.get(), &interval);
 }
 
@@ -41,10 +33,13 @@ int loop_owned_t::collect(const event_base* /*base*/, const event* candidate, vo
 
 void loop_owned_t::drop_all(event_base* base) {
   std::vector<loop_owned_t*> waiting;
-  event_base_foreach_event(base, collect, &waiting);
-  for (loop_owned_t* owned : waiting) {
-    const std::unique_ptr<loop_owned_t> dropped(owned);
-  }
+  do {
+    waiting.clear();
+    event_base_foreach_event(base, collect, &waiting);
+    for (loop_owned_t* owned : waiting) {
+      const std::unique_ptr<loop_owned_t> dropped(owned);
+    }
+  } while (!waiting.empty());
 }
 
 }  // namespace zyl

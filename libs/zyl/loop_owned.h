@@ -14,7 +14,8 @@ class loop_owned_t {
   loop_owned_t() = default;
   virtual ~loop_owned_t() = default;
 
-  /// Destroys all that `base` still owns, without running it. The base must not be running.
+  /// Destroys all that `base` still owns, without running it, and what their destruction gives it meanwhile. The base
+  /// must not be running.
   static void drop_all(event_base* base);
 
   loop_owned_t(const loop_owned_t&) = delete;
@@ -23,18 +24,18 @@ class loop_owned_t {
   loop_owned_t& operator=(loop_owned_t&&) = delete;
 
  protected:
-  /// Gives `self` to the loop of `base`, which runs it on its next turn. Any thread. Throws `std::bad_alloc`.
+  /// Gives `self` to the loop of `base`, which runs it on its next turn. Any thread. Throws `std::bad_alloc`, and
+  /// `exception_t` for a null base.
   static void activate_on(event_base* base, std::unique_ptr<loop_owned_t> self);
 
   /// Gives `self` to the loop of `base`, which runs it each time `interval` has gone by. Any thread. Throws
-  /// `std::bad_alloc`.
+  /// `std::bad_alloc`, and `exception_t` for a null base.
   static void repeat_on(event_base* base, const timeval& interval, std::unique_ptr<loop_owned_t> self);
 
  private:
   /// The work, on the loop's thread. True keeps the object, false destroys it and its event. Must not throw.
   virtual bool run() = 0;
 
-  void make_event(event_base* base, short flags);
   static void on_event(evutil_socket_t fd, short events, void* self);
   static int collect(const event_base* base, const event* candidate, void* collected);
 

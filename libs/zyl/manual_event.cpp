@@ -2,8 +2,7 @@
 
 namespace zyl {
 
-manual_event_t::manual_event_t(event_base* base)
-    : trigger(event_new(base, -1, EV_READ | EV_PERSIST, on_activated, this)) {
+manual_event_t::manual_event_t(event_base* base) : trigger(make_event(base, EV_READ | EV_PERSIST, on_activated, this)) {
   event_add(trigger.get(), nullptr);
 }
 

@@ -11,6 +11,7 @@ namespace zyl {
 /// loop's. Make, connect and destroy it on the loop's thread, or while the loop does not run.
 class manual_event_t {
  public:
+  /// Throws `exception_t` if `base` is null, and `std::bad_alloc`.
   explicit manual_event_t(event_base* base);
 
   manual_event_t(const manual_event_t&) = delete;
@@ -22,7 +23,8 @@ class manual_event_t {
   /// Emits `activated` on the loop's next turn. Calls that come before that turn are one. Any thread.
   void activate();
 
-  /// Slots that are connected during its emission are called from the next one on. A slot may destroy this object.
+  /// Slots that are connected during its emission are called from the next one on. A slot may destroy this object, and
+  /// must not throw.
   sigc::signal<void> activated;
 
  private:

@@ -27,10 +27,10 @@ class self_deleting_timer_t {
   };
 
   /// Calls `callback` every `interval_ms` milliseconds, at least 1, for the first time after one interval. A loop that
-  /// ends before destroys it. Any thread; throws `std::bad_alloc`.
+  /// ends before destroys it. Any thread; throws `std::bad_alloc`, and `exception_t` if `base` is null.
   static void start(event_base* base, int32_t interval_ms, std::unique_ptr<callback_t> callback);
 
-  /// The same with a function.
+  /// The same with a function, which must not throw or be empty.
   static void start(event_base* base, int32_t interval_ms, std::function<bool()> callback);
 };
 

@@ -1,5 +1,6 @@
 #include "zyl/simple_timer.h"
 
+#include <memory>
 #include <utility>
 
 #include "zyl/exceptions.h"
@@ -8,8 +9,9 @@
 namespace zyl {
 
 void simple_timer_t::init(event_base* base, std::function<void()> on_expiry) {
-  timeout.reset(event_new(base, -1, 0, on_timeout, this));
-  callback = std::move(on_expiry);
+  auto made = make_event(base, 0, on_timeout, this);
+  callback = std::make_shared<const callback_t>(std::move(on_expiry));
+  timeout = std::move(made);
 }
 
 void simple_timer_t::arm(int32_t interval_ms) { add_timeout(checked_event(), interval_ms); }
@@ -29,7 +31,8 @@ event* simple_timer_t::checked_event() const {
 }
 
 void simple_timer_t::on_timeout(evutil_socket_t /*fd*/, short /*events*/, void* self) {
-  static_cast<simple_timer_t*>(self)->callback();
+  const auto call = static_cast<simple_timer_t*>(self)->callback;
+  (*call)();
 }
 
 }  // namespace zyl

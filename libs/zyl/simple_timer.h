@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 
 #include "zyl/event_ptr.h"
 
@@ -11,7 +12,7 @@ namespace zyl {
 
 /// A one-shot timer that calls a function: made without a loop, given one later, armed as often as one likes.
 ///
-/// Thread of the loop; it must die before its base. Its callback may arm it again but must not destroy it.
+/// Thread of the loop; it must die before its base. Its callback may do anything with it, destroy it too.
 class simple_timer_t {
  public:
   simple_timer_t() = default;
@@ -22,7 +23,9 @@ class simple_timer_t {
   simple_timer_t& operator=(simple_timer_t&&) = delete;
   ~simple_timer_t() = default;
 
-  /// Gives it its loop and what it calls. Once more: the old loop and callback are forgotten, a pending timeout too.
+  /// Gives it its loop and what it calls, which must not throw or be empty. Once more: the old loop and callback are
+  /// forgotten, a pending timeout too. Throws `exception_t` if `base` is null and `std::bad_alloc`, then with nothing
+  /// changed.
   void init(event_base* base, std::function<void()> callback);
 
   /// Calls the callback once, `interval_ms` milliseconds from now; what was armed before no longer counts. A negative
@@ -43,7 +46,9 @@ class simple_timer_t {
   static void on_timeout(evutil_socket_t fd, short events, void* self);
   event* checked_event() const;
 
-  std::function<void()> callback;
+  using callback_t = std::function<void()>;
+
+  std::shared_ptr<const callback_t> callback;  // shared with the call that is being made, which may replace it
   event_ptr_t timeout;
 };
 

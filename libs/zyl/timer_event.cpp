@@ -6,10 +6,10 @@
 
 namespace zyl {
 
-timeval timeval_of(int32_t milliseconds) { return {milliseconds / 1000, (milliseconds % 1000) * 1000L}; }
+timeval timeval_of(int64_t milliseconds) { return {milliseconds / 1000, (milliseconds % 1000) * 1000}; }
 
-void add_timeout(event* timeout, int32_t delay_ms) {
-  event_del(timeout);
+void add_timeout(event* timeout, int64_t delay_ms) {
+  event_del_noblock(timeout);  // on the loop's thread there is no callback to wait for
   if (delay_ms < 0) {
     event_add(timeout, nullptr);
     return;

@@ -99,7 +99,7 @@ void ve_ipc_t::start_decrypt_timer(std::size_t i) {
   auto& timer = decoders[i].decrypt_timer;
   if (!timer) {
     timer = std::make_unique<zyl::sigc_timer_t>(loop_base, delay_ms, true);
-    // The expiry takes no lock, so that who holds the lock can stop the timer from another thread.
+    // The restart looks again whether it is still wanted: the timer may be stopped while it expires.
     timer->expired.connect([this, i] { post([this, i] { decrypt_restart(i); }); });
   }
   timer->set_period(delay_ms);

@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
 #include <thread>
+#include <vector>
 
 #include "test_support/loop_until.h"
 #include "zyl/event_loop.h"
+#include "zyl/exceptions.h"
 #include "zyl/post.h"
 
 namespace {
@@ -130,3 +133,5 @@ TEST(ManualEvent, EveryActivationOfManyThreadsIsFollowedByAnEmission) {
     other.join();
   }
 }
+
+TEST(ManualEvent, WithoutABaseIsRefused) { EXPECT_THROW(zyl::manual_event_t(nullptr), zyl::exception_t); }

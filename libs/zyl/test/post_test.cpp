@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "zyl/event_loop.h"
+#include "zyl/exceptions.h"
 
 TEST(Post, RunsClosuresOnTheLoopThreadInTheOrderOfPosting) {
   zyl::event_loop_t loop;
@@ -98,4 +99,23 @@ TEST(Post, DroppedClosuresAreDestroyedAndTheLoopGoesOn) {
   zyl::post(loop.base(), [&loop] { loop.stop(); });
   loop.run();
   EXPECT_EQ(*held, 0);
+}
+
+TEST(Post, WhatADroppedClosurePostsAtItsEndIsDroppedToo) {
+  const auto held = std::make_shared<int>(0);
+  zyl::event_loop_t loop;
+  const auto posts_at_its_end = [&loop](std::shared_ptr<int> kept) {
+    return std::shared_ptr<void>(nullptr, [&loop, kept](void*) { zyl::post(loop.base(), [kept] { ++*kept; }); });
+  };
+  zyl::post(loop.base(), [end = posts_at_its_end(held)] {});
+  EXPECT_EQ(held.use_count(), 2);
+  zyl::drop_posts(loop.base());
+  EXPECT_EQ(held.use_count(), 1);
+  EXPECT_EQ(*held, 0);
+}
+
+TEST(Post, WithoutABaseIsRefusedAndTheClosureDestroyed) {
+  const auto held = std::make_shared<int>(0);
+  EXPECT_THROW(zyl::post(nullptr, [held] { ++*held; }), zyl::exception_t);
+  EXPECT_EQ(held.use_count(), 1);
 }

@@ -2,8 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstdint>
+#include <limits>
+#include <set>
+#include <thread>
+
+#include "test_support/loop_until.h"
 #include "zyl/event_loop.h"
 #include "zyl/exceptions.h"
+
+using zyl::jittered_delay_ms;
 
 TEST(SigcTimer, ArmWithoutABaseThrows) {
   zyl::sigc_timer_t timer(nullptr, 10, true);
@@ -30,6 +39,20 @@ TEST(SigcTimer, OneShotIsNotRunningWhenItExpires) {
 }
 
 TEST(SigcTimer, RepeatingTimerIsArmedBeforeItEmits) {
+  zyl::event_loop_t loop;
+  zyl::sigc_timer_t timer(loop.base(), 1, false);
+  int64_t left_ms = 0;
+  timer.expired.connect([&] {
+    left_ms = timer.remaining_ms();
+    loop.stop();
+  });
+  timer.arm();
+  timer.set_period(1'000'000);
+  loop.run();
+  EXPECT_GT(left_ms, 0);
+}
+
+TEST(SigcTimer, RepeatingTimerExpiresAgainAndAgain) {
   zyl::event_loop_t loop;
   zyl::sigc_timer_t timer(loop.base(), 1, false);
   int expiries = 0;
@@ -137,4 +160,73 @@ TEST(SigcTimer, WithoutABaseItIsNeverRunningAndHasNoTimeLeft) {
   timer.cancel();
   EXPECT_FALSE(timer.running());
   EXPECT_EQ(timer.remaining_ms(), 0);
+}
+
+TEST(SigcTimer, AnotherThreadMayCancelItWhileASlotRuns) {
+  zyl::event_loop_t loop;
+  zyl::sigc_timer_t timer(loop.base(), 0, false);
+  int expiries = 0;
+  timer.expired.connect([&] {
+    ++expiries;
+    std::thread([&timer] { timer.cancel(); }).join();
+  });
+  timer.arm();
+  EXPECT_TRUE(test_support::loop_until(loop.base(), [&] { return expiries == 1; }));
+  EXPECT_FALSE(timer.running());
+  event_base_loop(loop.base(), EVLOOP_NONBLOCK);
+  EXPECT_EQ(expiries, 1);
+}
+
+TEST(SigcTimer, CancelledByAnotherThreadAtWhateverMomentItStaysCancelled) {
+  zyl::event_loop_t loop;
+  zyl::sigc_timer_t timer(loop.base(), 0, false);
+  int expiries = 0;
+  timer.expired.connect([&] { ++expiries; });
+  for (int round = 0; round < 300; ++round) {
+    timer.arm();
+    std::atomic<bool> cancelled = false;
+    std::thread other([&] {
+      timer.cancel();
+      cancelled = true;
+    });
+    while (!cancelled) {
+      event_base_loop(loop.base(), EVLOOP_NONBLOCK);
+    }
+    other.join();
+    EXPECT_FALSE(timer.running());
+    const int before = expiries;
+    event_base_loop(loop.base(), EVLOOP_NONBLOCK);
+    EXPECT_EQ(expiries, before);
+    EXPECT_EQ(event_base_get_num_events(loop.base(), EVENT_BASE_COUNT_ACTIVE), 0);
+  }
+}
+
+TEST(JitteredDelay, OfZeroIsExactlyThePeriod) {
+  for (const int64_t random : {0, 1, 2, 12'345, std::numeric_limits<int32_t>::max()}) {
+    EXPECT_EQ(jittered_delay_ms(1000, 0, 0, random), 1000);
+  }
+}
+
+TEST(JitteredDelay, ReachesBothBoundsAndAllBetween) {
+  std::set<int64_t> delays;
+  for (int64_t random = 0; random < 70; ++random) {
+    delays.insert(jittered_delay_ms(1000, -3, 3, random));
+  }
+  EXPECT_EQ(delays, (std::set<int64_t>{997, 998, 999, 1000, 1001, 1002, 1003}));
+  EXPECT_EQ(jittered_delay_ms(1000, -3, 3, 0), 997);
+  EXPECT_EQ(jittered_delay_ms(1000, -3, 3, 6), 1003);
+  EXPECT_EQ(jittered_delay_ms(1000, -3, 3, 7), 997);
+}
+
+TEST(JitteredDelay, DoesNotOverflow) {
+  constexpr int32_t lowest = std::numeric_limits<int32_t>::min();
+  constexpr int32_t highest = std::numeric_limits<int32_t>::max();
+  EXPECT_EQ(jittered_delay_ms(highest, lowest, highest, 0xffffffffLL), 2LL * highest);
+  EXPECT_EQ(jittered_delay_ms(highest, highest, highest, highest), 2LL * highest);
+  EXPECT_EQ(jittered_delay_ms(lowest, lowest, highest, 0), 2LL * lowest);
+}
+
+TEST(JitteredDelay, AnUpperBoundBelowTheLowerCountsAsTheLower) {
+  EXPECT_EQ(jittered_delay_ms(1000, 5, 4, 17), 1005);
+  EXPECT_EQ(jittered_delay_ms(1000, 5, -5, 17), 1005);
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "test_support/loop_until.h"
@@ -120,4 +121,37 @@ TEST_F(SimpleTimer, InitAgainForgetsThePendingTimeoutAndTheCallback) {
   timer.arm(0);
   EXPECT_TRUE(turns_until([&] { return others == 1; }));
   EXPECT_EQ(calls, 0);
+}
+
+TEST_F(SimpleTimer, InitFromItsCallbackLetsTheCallbackEndFirst) {
+  const auto held = std::make_shared<int>(0);
+  int others = 0;
+  timer.init(loop.base(), [this, held, &others] {
+    timer.init(loop.base(), [&others] { ++others; });
+    ++*held;
+    timer.arm(0);
+  });
+  timer.arm(0);
+  EXPECT_TRUE(turns_until([&] { return others == 1; }));
+  EXPECT_EQ(*held, 1);
+  EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST_F(SimpleTimer, ItsCallbackMayDestroyIt) {
+  const auto held = std::make_shared<int>(0);
+  auto own = std::make_unique<zyl::simple_timer_t>();
+  own->init(loop.base(), [&own, held] {
+    own.reset();
+    ++*held;
+  });
+  own->arm(0);
+  EXPECT_TRUE(turns_until([&] { return *held == 1; }));
+  EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST_F(SimpleTimer, InitWithoutABaseIsRefusedAndChangesNothing) {
+  EXPECT_THROW(timer.init(nullptr, [] {}), zyl::exception_t);
+  timer.activate();
+  event_base_loop(loop.base(), EVLOOP_NONBLOCK);
+  EXPECT_EQ(calls, 1);
 }
