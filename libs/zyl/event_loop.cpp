@@ -4,8 +4,11 @@
 #include <event2/thread.h>
 
 #include <cstdlib>
+#include <memory>
 #include <mutex>
+#include <new>
 
+#include "zyl/exceptions.h"
 #include "zyl/log/module_logger.h"
 #include "zyl/post.h"
 
@@ -48,11 +51,13 @@ void set_libevent_up() {
 event_base* new_event_base() {
   static std::once_flag once;
   std::call_once(once, set_libevent_up);
-  event_config* config = event_config_new();
-  event_config_set_flag(config, EVENT_BASE_FLAG_PRECISE_TIMER);
-  event_base* base = event_base_new_with_config(config);
-  event_config_free(config);
-  return base;
+  const std::unique_ptr<event_config, decltype(&event_config_free)> config(event_config_new(), event_config_free);
+  if (!config) {
+    throw std::bad_alloc();
+  }
+  event_config_set_flag(config.get(), EVENT_BASE_FLAG_PRECISE_TIMER);
+  event_base* const base = event_base_new_with_config(config.get());
+  return base != nullptr ? base : throw exception_t("no event base");
 }
 
 event_loop_t::event_loop_t() : loop_base(new_event_base()), resolver(evdns_base_new(loop_base, 1)) {}
@@ -66,7 +71,15 @@ event_loop_t::~event_loop_t() {
   event_base_free(loop_base);
 }
 
-void event_loop_t::run() { event_base_loop(loop_base, EVLOOP_NO_EXIT_ON_EMPTY); }
+void event_loop_t::run() { try_run(); }
+
+bool event_loop_t::try_run() {
+  const int result = event_base_loop(loop_base, EVLOOP_NO_EXIT_ON_EMPTY);
+  if (result < 0) {
+    log_error_s() << "event loop failed: " << result;
+  }
+  return result >= 0;
+}
 
 void event_loop_t::stop() { event_base_loopexit(loop_base, nullptr); }
 

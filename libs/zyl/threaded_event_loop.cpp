@@ -24,8 +24,7 @@ void threaded_event_loop_t::stop() {
 // A request that came when the loop had ended already ends the next run at once: then it goes round.
 void threaded_event_loop_t::run_until_stopped() {
   loop_thread = std::this_thread::get_id();
-  while (!stopping) {
-    run();
+  while (!stopping && try_run()) {
   }
   loop_thread = std::thread::id();
 }

@@ -35,9 +35,37 @@ TEST(EventLoopLog, WarningsOfLibeventAreWarnings) {
     loop.stop();
   });
   loop.run();
-  ASSERT_EQ(log.entries().size(), 1U);
-  EXPECT_EQ(log.entries()[0].level, spdlog::level::warn);
-  EXPECT_NE(log.entries()[0].text.find("reentrant invocation"), std::string::npos) << log.entries()[0].text;
+  const auto entries = log.entries();
+  ASSERT_EQ(entries.size(), 2U);
+  EXPECT_EQ(entries[0].level, spdlog::level::warn);
+  EXPECT_NE(entries[0].text.find("reentrant invocation"), std::string::npos) << entries[0].text;
+  EXPECT_EQ(entries[1].level, spdlog::level::err);
+  EXPECT_EQ(entries[1].text, "event loop failed: -1");
+}
+
+TEST(EventLoopLog, MessagesOfLibeventAreInformation) {
+  const test_support::log_capture_t log("zyl_event");
+  setenv("EVENT_SHOW_METHOD", "1", 1);
+  const zyl::event_loop_t loop;
+  unsetenv("EVENT_SHOW_METHOD");
+  const auto entries = log.entries();
+  ASSERT_EQ(entries.size(), 1U);
+  EXPECT_EQ(entries[0].level, spdlog::level::info);
+  EXPECT_EQ(entries[0].text, "libevent using: epoll");
+}
+
+TEST(EventLoopLog, DebugTextsOfLibeventAreDebug) {
+  const test_support::log_capture_t log("zyl_event", spdlog::level::debug);
+  zyl::event_loop_t loop;
+  event_enable_debug_logging(EVENT_DBG_ALL);
+  zyl::post(loop.base(), [&loop] { loop.stop(); });
+  loop.run();
+  event_enable_debug_logging(EVENT_DBG_NONE);
+  const auto entries = log.entries();
+  ASSERT_FALSE(entries.empty());
+  for (const auto& entry : entries) {
+    EXPECT_EQ(entry.level, spdlog::level::debug) << entry.text;
+  }
 }
 
 TEST(EventLoopLogDeathTest, AFatalErrorIsToldWithItsCodeAndEndsTheProcess) {

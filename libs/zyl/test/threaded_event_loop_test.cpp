@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <future>
 #include <memory>
 #include <thread>
 #include <vector>
 
+#include "test_support/log_capture.h"
 #include "zyl/post.h"
 
 namespace {
@@ -161,4 +163,24 @@ TEST(ThreadedEventLoop, EndsWithItsObjectAndDropsWhatWaits) {
   }
   EXPECT_EQ(held.use_count(), 1);
   EXPECT_EQ(*held, 0);
+}
+
+TEST(ThreadedEventLoop, ALoopThatLibeventRefusesToRunIsToldOnceAndEndsItsThread) {
+  const test_support::log_capture_t log("zyl_event");
+  zyl::threaded_event_loop_t loop;
+  const auto failures = [&log] {
+    const auto lines = log.lines();
+    return std::count(lines.begin(), lines.end(), "event loop failed: -1");
+  };
+  zyl::post(loop.base(), [&] {
+    loop.start();  // while this thread is in the loop
+    while (failures() == 0) {
+      std::this_thread::yield();
+    }
+    loop.stop();
+  });
+  event_base_loop(loop.base(), EVLOOP_NONBLOCK);
+  EXPECT_EQ(failures(), 1);
+  loop.start();
+  thread_of(loop);
 }
