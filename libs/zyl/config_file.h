@@ -10,7 +10,8 @@ namespace zyl {
 /// `mv` then moves to `path`: the shell sees both names as they are, so they must hold no blanks or special characters,
 /// and two writers of the same last component must not meet. The folder must exist.
 ///
-/// True if the file now has the content. Else logs "Error writing config file: " and the path, and the old file stays.
+/// True if the file now has these lines. Else logs "Error writing config file: " and the path; the old file stays, and
+/// perhaps the temporary one, which the next call writes anew.
 bool write_config_file(const std::string& path, const std::string& content);
 
 }  // namespace zyl

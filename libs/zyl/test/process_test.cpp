@@ -5,10 +5,32 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
+#include <cstdint>
+#include <ctime>
 #include <string>
+#include <vector>
 
 #include "zyl/exceptions.h"
+
+namespace {
+
+// The pauses of this process, in milliseconds.
+std::vector<int64_t> pauses_ms;
+
+}  // namespace
+
+/// Stands in front of the C library's, and tells what it was asked for.
+extern "C" int nanosleep(const timespec* wanted, timespec* left) {
+  pauses_ms.push_back(int64_t{wanted->tv_sec} * 1000 + wanted->tv_nsec / 1'000'000);
+  const int error = clock_nanosleep(CLOCK_REALTIME, 0, wanted, left);
+  if (error == 0) {
+    return 0;
+  }
+  errno = error;
+  return -1;
+}
 
 namespace {
 
@@ -76,6 +98,16 @@ TEST(StopProcess, AChildThatDoesNotEndIsGivenUpAfterTheLimit) {
   EXPECT_FALSE(zyl::stop_process(child.id, 0));
   EXPECT_FALSE(zyl::stop_process(child.id, 150));
   EXPECT_FALSE(child.is_gone());
+}
+
+TEST(StopProcess, LooksAtOnceAndThenEveryTenthOfASecond) {
+  const disposition_t ignored(SIGHUP, SIG_IGN);
+  const child_t child;
+  pauses_ms.clear();
+  EXPECT_FALSE(zyl::stop_process(child.id, 0));
+  EXPECT_EQ(pauses_ms, std::vector<int64_t>{});
+  EXPECT_FALSE(zyl::stop_process(child.id, 250));
+  EXPECT_EQ(pauses_ms, (std::vector<int64_t>{100, 100, 100}));
 }
 
 TEST(StopProcess, AProcessThatNobodyCanWaitForCountsAsStopped) {
