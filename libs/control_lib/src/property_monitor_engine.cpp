@@ -1,5 +1,7 @@
 #include "control_lib/src/property_monitor_engine.h"
 
+#include <new>
+
 #include "control_lib/src/event_base_manager.h"
 #include "zyl/log/module_logger.h"
 #include "zyl/post.h"
@@ -34,7 +36,11 @@ void property_monitor_engine_t::connect() {
     return;
   }
   socket_event.reset(event_new(base, client.descriptor(), EV_READ | EV_PERSIST, on_socket_event, this));
-  event_add(socket_event.get(), nullptr);
+  if (!socket_event || event_add(socket_event.get(), nullptr) != 0) {
+    socket_event.reset();
+    client.disconnect();
+    throw std::bad_alloc();
+  }
   for (const auto& [path, listeners] : observers) {
     send_prop_monitor(path);
   }
@@ -95,9 +101,6 @@ void property_monitor_engine_t::poll() {
   while (client.receive(command, path, value, 0)) {
     log_debug_s() << "property_monitor_eb_t::on_socket_event " << command << ' ' << path << ' ' << value;
     dispatch(command, path, value);
-    if (client.exhausted()) {
-      return;  // what comes later makes the descriptor ready again
-    }
   }
   // A descriptor that was hung up would wake the loop without end.
   if (client.hung_up()) {

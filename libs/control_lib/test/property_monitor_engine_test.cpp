@@ -1,5 +1,9 @@
+// libevent's `event_new` is defined here anew, in front of the library's: it does what that does, unless a test wants
+// no event to be had.
+
 #include "control_lib/src/property_monitor_engine.h"
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -7,6 +11,7 @@
 #include <chrono>
 #include <future>
 #include <memory>
+#include <new>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -29,6 +34,18 @@ using test_support::log_capture_t;
 using test_support::loop_until;
 using testing::ElementsAre;
 using testing::FieldsAre;
+
+namespace {
+
+bool refuse_events = false;
+
+}  // namespace
+
+extern "C" event* event_new(event_base* base, evutil_socket_t fd, short events, event_callback_fn call,
+                            void* argument) {
+  static const auto library = reinterpret_cast<decltype(&event_new)>(dlsym(RTLD_NEXT, "event_new"));
+  return refuse_events ? nullptr : library(base, fd, events, call, argument);
+}
 
 namespace {
 
@@ -294,6 +311,18 @@ TEST_F(PropertyMonitorEngine, WhatIsStillPostedWhenItDiesDoesNothing) {
   EXPECT_TRUE(service->requests().empty());
 }
 
+TEST_F(PropertyMonitorEngine, LoopThatCannotWatchTheConnectionLeavesNone) {
+  property_monitor_engine_t engine(loop.base());
+  refuse_events = true;
+  EXPECT_THROW(engine.connect(), std::bad_alloc);
+  EXPECT_THROW(property_monitor_engine_t(loop.base()), std::bad_alloc);
+  refuse_events = false;
+  EXPECT_TRUE(service->has_clients(0));
+  EXPECT_FALSE(engine.set("/a", "1"));
+  engine.connect();
+  EXPECT_TRUE(engine.set("/a", "1"));
+}
+
 TEST_F(PropertyMonitorEngine, TellsItsWorkAtDebugLevel) {
   log_capture_t log("ctl_property_monitor", spdlog::level::debug);
   property_monitor_engine_t engine(loop.base());
@@ -308,6 +337,9 @@ TEST_F(PropertyMonitorEngine, TellsItsWorkAtDebugLevel) {
                           "property_monitor_eb_t::send_prop_monitor /a (connected)",
                           "property_monitor_eb_t::monitor /a", "property_monitor_eb_t::send_get /a (connected)",
                           "property_monitor_eb_t::poll", "property_monitor_eb_t::on_socket_event changed /a 1"));
+  for (const auto& entry : log.entries()) {
+    EXPECT_EQ(entry.level, spdlog::level::debug) << entry.text;
+  }
 }
 
 TEST(PropertyResponse, PrintsAsItsName) {
