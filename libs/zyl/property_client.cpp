@@ -21,8 +21,10 @@ namespace {
 [[maybe_unused]] const auto& module_log = module_logger("lin_property");
 
 constexpr int send_timeout_ms = 1000;
-// Keeps one burst from starving the caller.
-constexpr std::size_t drain_limit = 65536;
+// The bus carries short values.
+constexpr std::size_t chunk_size = 128;
+// A drain ends with the chunk that exceeds it, so that one burst does not starve the caller.
+constexpr std::size_t drain_limit = 65535;
 
 bool connect_to(int fd, const std::string& path) {
   sockaddr_un address{};
@@ -69,9 +71,7 @@ void property_client_t::disconnect() {
     socket.fd = -1;
   }
   rx_buffer.clear();
-  may_have_more = false;
-  may_send = false;
-  stream_ended = false;
+  gone = false;
 }
 
 bool property_client_t::create(const std::string& path) { return send({"create", path}); }
@@ -105,8 +105,9 @@ bool property_client_t::receive(std::string& command, std::string& path, std::st
   command.clear();
   path.clear();
   value.clear();
+  bool drained = false;
   do {
-    drain();
+    drained = drain();
     rx_buffer.resynchronise();
     if (const auto* fields = rx_buffer.next_frame(); fields != nullptr && !fields->empty()) {
       if (fields->size() != 3) {
@@ -119,21 +120,16 @@ bool property_client_t::receive(std::string& command, std::string& path, std::st
       value = (*fields)[2];
       return true;
     }
-  } while (more_comes(timeout_ms));
+    // There is no need to ask for bytes that would be there already if the drain has just seen the last of them.
+  } while ((timeout_ms != 0 || !drained) && more_comes(timeout_ms));
   return false;
-}
-
-bool property_client_t::hung_up() const {
-  pollfd watched{socket.fd, POLLIN, 0};
-  return socket.fd >= 0 && (stream_ended || (::poll(&watched, 1, 0) > 0 && (watched.revents & POLLHUP) != 0));
 }
 
 bool property_client_t::send(std::initializer_list<std::string_view> fields) {
   tx_frame.clear();
   append_frame(tx_frame, fields);
   std::string_view left = tx_frame;
-  while (!left.empty() && (may_send || events_within(POLLOUT, send_timeout_ms) != 0)) {
-    may_send = false;
+  while (!left.empty() && is_ready_within(POLLOUT, send_timeout_ms)) {
     const ssize_t sent = ::send(socket.fd, left.data(), left.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
     if (sent < 0) {
       break;
@@ -143,40 +139,44 @@ bool property_client_t::send(std::initializer_list<std::string_view> fields) {
   return left.empty();
 }
 
-/// Reads what is there, at most `drain_limit` bytes. On the way it sees whether the next request must wait for room:
-/// only requests take room, so there still is some when the next one comes.
-void property_client_t::drain() {
-  may_have_more = false;
-  const int seen = events_within(POLLIN | POLLOUT, 0);
-  may_send = (seen & POLLOUT) != 0;
-  if ((seen & POLLIN) == 0) {
-    return;
+/// Reads what is there, up to the limit. Whether it saw the last of it: a chunk that is not full is that, too.
+bool property_client_t::drain() {
+  std::array<char, chunk_size> chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): as long as recv fills it
+  for (std::size_t drained = 0; drained <= drain_limit;) {
+    if (!is_ready_within(POLLIN, 0)) {
+      return true;
+    }
+    const ssize_t received = ::recv(socket.fd, chunk.data(), chunk.size(), MSG_DONTWAIT);
+    if (received <= 0) {
+      gone = received == 0 || (errno != EAGAIN && errno != EINTR);
+      return true;
+    }
+    const auto count = static_cast<std::size_t>(received);
+    rx_buffer.append({chunk.data(), count});
+    if (count < chunk.size()) {
+      return true;
+    }
+    drained += count;
   }
-  std::array<char, drain_limit> chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): as long as recv fills it
-  const ssize_t received = ::recv(socket.fd, chunk.data(), chunk.size(), MSG_DONTWAIT);
-  if (received > 0) {
-    rx_buffer.append({chunk.data(), static_cast<std::size_t>(received)});
-    may_have_more = static_cast<std::size_t>(received) == chunk.size();
-  } else {
-    stream_ended = received == 0 || (errno != EAGAIN && errno != EINTR);
-  }
+  return false;
 }
 
-/// Waits for bytes. There is no need to ask for those that would be there already if a drain has just seen the last of
-/// them. A peer that shut down only its sending side leaves the socket readable for ever, without a byte to come.
-bool property_client_t::more_comes(int timeout_ms) {
-  return !stream_ended && (may_have_more || timeout_ms != 0) && events_within(POLLIN, timeout_ms) != 0;
-}
+/// Waits for bytes. A peer that shut down only its sending side leaves the socket readable for ever, without a byte to
+/// come.
+bool property_client_t::more_comes(int timeout_ms) { return !gone && is_ready_within(POLLIN, timeout_ms); }
 
-/// Waits for one of the events and returns those that there are. A peer that has hung up gives none; nor does a closed
-/// descriptor, of which poll would only sleep.
-int property_client_t::events_within(short events, int timeout_ms) const {
+/// Waits for the event. A socket whose peer has hung up is not ready; nor is a closed descriptor, of which poll would
+/// only sleep.
+bool property_client_t::is_ready_within(short event, int timeout_ms) {
   if (socket.fd < 0) {
-    return 0;
+    return false;
   }
-  pollfd watched{socket.fd, events, 0};
-  const bool any = poll_through_signals(watched, timeout_ms) > 0 && (watched.revents & POLLHUP) == 0;
-  return any ? watched.revents & events : 0;
+  pollfd watched{socket.fd, event, 0};
+  if (poll_through_signals(watched, timeout_ms) <= 0) {
+    return false;
+  }
+  gone = gone || (watched.revents & POLLHUP) != 0;
+  return (watched.revents & POLLHUP) == 0 && (watched.revents & event) != 0;
 }
 
 }  // namespace zyl

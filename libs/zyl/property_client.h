@@ -12,19 +12,31 @@ inline constexpr const char* property_service_path = "/tmp/.tarn_property_ipc";
 
 /// What a client of the property bus can do. The bus is a service of the appliance that keeps text values under paths.
 ///
-/// Each call sends one frame and returns whether all of its bytes went out; see `property_client_t`.
+/// A request is one frame; its result is whether all of the frame's bytes went out, not whether the service did what
+/// was asked. Nothing throws for a failure of the bus. One thread; see `property_client_t` for limits.
 class property_client_intf_t {
  public:
   virtual ~property_client_intf_t() = default;
 
+  /// Opens the connection. False if there is no service.
   virtual bool connect() = 0;
+  /// Closes it; nothing happens if it is closed.
   virtual void disconnect() = 0;
+  /// Whether there is a connection, be it one that the service has left.
   virtual bool is_connected() = 0;
+
+  /// Asks that the property exist. An existing one keeps its value.
   virtual bool create(const std::string& path) = 0;
+  /// Asks for the value, which comes as a message.
   virtual bool get(const std::string& path) = 0;
+  /// Asks that the property have the value.
   virtual bool set(const std::string& path, const std::string& value) = 0;
+  /// Asks for what lies below the path, which comes as messages.
   virtual bool list(const std::string& path) = 0;
+  /// Asks that each later change come as a message.
   virtual bool monitor(const std::string& path) = 0;
+  /// `get`, and the value that came within `timeout_ms` milliseconds; a negative time is without end. True also for a
+  /// property that does not exist, which is empty. False, with an empty value, if no answer came.
   virtual bool read(const std::string& path, std::string& value, int timeout_ms) = 0;
 };
 
@@ -74,23 +86,21 @@ class property_client_t : public property_client_intf_t {
   /// Asks for everything; what answers is for `receive`.
   bool get_all();
 
-  /// `get`, and a wait of `timeout_ms` for the answer. A property that does not exist reads as empty. False, with an
-  /// empty value, if there is no answer or another message was in front of it, which is lost: for clients that do not
-  /// monitor.
+  /// `get`, and a wait of `timeout_ms` for the answer, without end if it is negative. A property that does not exist
+  /// reads as empty. False, with an empty value, if there is no answer or another message was in front of it, which is
+  /// lost: for clients that do not monitor.
   bool read(const std::string& path, std::string& value, int timeout_ms) override;
 
-  /// Takes the next message of three fields. With `timeout_ms` 0 it does not wait: call it until it returns false.
+  /// Takes the next message of three fields and waits `timeout_ms` milliseconds for it, without end if that is
+  /// negative. With 0 it does not wait: call it until it returns false.
   ///
   /// A message with another number of fields gives the command "error" and the path "bad_payload", and true only if
   /// there are further bytes to look at. What the service wrote last before it closed is not read.
   bool receive(std::string& command, std::string& path, std::string& value, int timeout_ms);
 
-  /// Whether the last `receive` left nothing behind: no byte that waits for the rest of its frame, and nothing in the
-  /// socket when it looked. Who hears of readability from a loop need not call it again then.
-  bool exhausted() const { return !may_have_more && rx_buffer.empty(); }
-
-  /// Whether the service has closed its end. The descriptor is then readable without end, so who watches it must stop.
-  bool hung_up() const;
+  /// Whether the service had closed its end when a request or `receive` last looked. The descriptor is then readable
+  /// without end, so who watches it must stop. Messages that came earlier may still be there to be received.
+  bool hung_up() const { return gone; }
 
   /// For watching readability; -1 while not connected.
   int32_t descriptor() const { return socket.fd; }
@@ -102,19 +112,15 @@ class property_client_t : public property_client_intf_t {
   };
 
   bool send(std::initializer_list<std::string_view> fields);
-  void drain();
+  bool drain();
   bool more_comes(int timeout_ms);
-  int events_within(short events, int timeout_ms) const;
+  bool is_ready_within(short event, int timeout_ms);
 
   client_socket_t socket;
   property_frame_buffer_t rx_buffer;
   /// The frame that is sent, for its memory.
   std::string tx_frame;
-  /// Whether the last look at the socket may have left bytes in it.
-  bool may_have_more = false;
-  /// Whether nothing was sent since the socket was seen to have room.
-  bool may_send = false;
-  bool stream_ended = false;
+  bool gone = false;
 };
 
 }  // namespace zyl

@@ -38,9 +38,6 @@ void PropertyMonitor::setValue(const QByteArray& path, const QByteArray& value) 
 void PropertyMonitor::readReady(int /*descriptor*/) {
   while (client.receive(received.command, received.path, received.value, 0)) {
     take(received.command, bytesOf(received.path), bytesOf(received.value));
-    if (client.exhausted()) {
-      return;  // what comes later makes the descriptor ready again
-    }
   }
   // A descriptor that was hung up would wake the loop without end.
   if (client.hung_up()) {
