@@ -77,6 +77,11 @@ fake_property_service_t::answer_t fake_property_service_t::from(std::map<std::st
   };
 }
 
+void fake_property_service_t::delay_answer(const std::string& path, std::chrono::milliseconds delay) {
+  const std::lock_guard lock(mutex);
+  delays[path] = delay;
+}
+
 std::vector<fake_property_service_t::request_t> fake_property_service_t::requests() const {
   const std::lock_guard lock(mutex);
   return heard;
@@ -136,13 +141,15 @@ bool fake_property_service_t::wait_for(const std::function<bool()>& condition) c
 void fake_property_service_t::serve() {
   for (;;) {
     std::vector<pollfd> watched{{wake_fd, POLLIN, 0}, {listener, POLLIN, 0}};
+    int limit_ms = -1;
     {
       const std::lock_guard lock(mutex);
+      limit_ms = until_late_answer_ms();
       for (const client_t& client : clients) {
         watched.push_back({client.fd, POLLIN, 0});
       }
     }
-    ::poll(watched.data(), watched.size(), -1);
+    ::poll(watched.data(), watched.size(), limit_ms);
     const std::lock_guard lock(mutex);
     if (stopping) {
       return;
@@ -155,7 +162,39 @@ void fake_property_service_t::serve() {
       accept_client();
     }
     std::erase_if(clients, [this](client_t& client) { return !serve_client(client); });
+    send_late_answers();
     changed.notify_all();
+  }
+}
+
+int fake_property_service_t::until_late_answer_ms() const {
+  int limit_ms = -1;
+  for (const late_answer_t& late : late_answers) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(late.due - clock_t::now());
+    const int left_ms = std::max(0, static_cast<int>(left.count()));
+    limit_ms = limit_ms < 0 ? left_ms : std::min(limit_ms, left_ms);
+  }
+  return limit_ms;
+}
+
+void fake_property_service_t::send_late_answers() {
+  std::erase_if(late_answers, [this](const late_answer_t& late) {
+    const bool is_due = late.due <= clock_t::now();
+    for (const client_t& client : clients) {
+      if (is_due && client.number == late.client) {
+        send_all(client.fd, late.bytes);
+      }
+    }
+    return is_due;
+  });
+}
+
+void fake_property_service_t::give_answer(const client_t& client, const request_t& request) {
+  const auto delay = request.size() > 1 ? delays.find(request[1]) : delays.end();
+  if (delay == delays.end()) {
+    send_all(client.fd, answer(request, client.number));
+  } else {
+    late_answers.push_back({clock_t::now() + delay->second, client.number, answer(request, client.number)});
   }
 }
 
@@ -176,7 +215,7 @@ bool fake_property_service_t::serve_client(client_t& client) {
   }
   client.received.resynchronise();
   while (auto request = client.received.take_frame()) {
-    send_all(client.fd, answer(*request, client.number));
+    give_answer(client, *request);
     heard.push_back(std::move(*request));
     client.received.resynchronise();
   }

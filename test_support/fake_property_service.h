@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <initializer_list>
@@ -35,6 +36,9 @@ class fake_property_service_t {
   /// Answers each "get" from `values`, others with "no_property".
   static answer_t from(std::map<std::string, std::string> values);
 
+  /// From now on the answer for the path comes so much later than the request.
+  void delay_answer(const std::string& path, std::chrono::milliseconds delay);
+
   /// The requests of all clients, in the order of arrival.
   std::vector<request_t> requests() const;
   void forget_requests();
@@ -61,7 +65,17 @@ class fake_property_service_t {
     zyl::property_frame_buffer_t received;
   };
 
+  using clock_t = std::chrono::steady_clock;
+  struct late_answer_t {
+    clock_t::time_point due;
+    int client;
+    std::string bytes;
+  };
+
   void serve();
+  int until_late_answer_ms() const;
+  void send_late_answers();
+  void give_answer(const client_t& client, const request_t& request);
   void accept_client();
   bool serve_client(client_t& client);
   void wake() const;
@@ -76,6 +90,8 @@ class fake_property_service_t {
   mutable std::condition_variable changed;
   std::vector<client_t> clients;
   std::vector<request_t> heard;
+  std::map<std::string, std::chrono::milliseconds> delays;
+  std::vector<late_answer_t> late_answers;
   std::thread server;
 };
 

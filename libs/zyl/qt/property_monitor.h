@@ -33,7 +33,8 @@ class PropertyMonitor : public QObject {
   void setValue(const QByteArray& path, const QByteArray& value);
 
  Q_SIGNALS:
-  /// A watched property was told by the service, with a new value or with the same. Texts end at their first NUL.
+  /// A watched property was told by the service, with a new value or with the same. Texts end at their first NUL. A
+  /// slot must not destroy the monitor; `deleteLater` may be called.
   void valueChanged(const QByteArray& name, const QByteArray& value);
 
  private:

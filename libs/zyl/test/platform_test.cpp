@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <map>
 #include <string>
 #include <vector>
@@ -205,6 +206,13 @@ TEST(PlatformFromBus, AsksTheServiceOnce) {
   const fake_property_service_t service(fake_property_service_t::from(streamer_values()));
   expect_streamer(platform_t::from_bus());
   EXPECT_EQ(service.requests().size(), 7U);
+}
+
+TEST(PlatformFromBus, ServiceThatTakesItsTimeIsHeard) {
+  fake_property_service_t service(fake_property_service_t::from(streamer_values()));
+  service.delay_answer("/sys/config/arch", std::chrono::milliseconds(300));
+  service.delay_answer("/sys/config/fw_server_hash_compat", std::chrono::milliseconds(300));
+  expect_streamer(platform_t::from_bus());
 }
 
 TEST(PlatformFromBus, MissingPropertiesReadAsEmpty) {
