@@ -21,6 +21,9 @@ class exception_t : public std::exception {
 /// Throws `exception_t` with the text of a failure to set up.
 [[noreturn]] void throw_init_failure(CURLcode code);
 
+/// Does the same if `code` is a failure.
+void require_init(CURLcode code);
+
 /// Sets libcurl up for the process, once; it stays so until the process ends. Throws `exception_t` if that failed. Any
 /// thread.
 void set_libcurl_up();

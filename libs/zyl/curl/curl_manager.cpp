@@ -2,6 +2,9 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
+#include <new>
 #include <utility>
 
 #include "zyl/log/module_logger.h"
@@ -43,6 +46,9 @@ int action_of(short events) { return (events >> 1) & direction_mask; }
 
 manager_t::manager_t(event_base* loop_base)
     : timer(event_new(loop_base, -1, 0, on_timer, this)), base(loop_base), self(std::make_shared<manager_t*>(this)) {
+  if (!timer) {
+    throw std::bad_alloc();
+  }
   set_libcurl_up();
   multi.reset(curl_multi_init());
   if (!multi) {
@@ -84,6 +90,11 @@ void manager_t::post_to_self(Call call) {
 }
 
 void manager_t::start(std::unique_ptr<request_t> request, uint64_t serial) {
+  if (given_up) {
+    request->completed(CURLE_ABORTED_BY_CALLBACK);
+    request->finish();
+    return;
+  }
   CURL* const easy = request->easy();
   live.emplace(easy, live_request_t{std::move(request), serial});
   check(curl_multi_add_handle(multi.get(), easy), "add::curl_multi_add_handle");
@@ -107,7 +118,11 @@ int manager_t::on_socket_wanted(CURL* easy, curl_socket_t fd, int action, void* 
   auto& wanted = record != nullptr ? *static_cast<socket_record_t*>(record) : manager.make_record(fd);
   wanted.easy = easy;
   wanted.action = action;
-  manager.watch(wanted);
+  if (!manager.watch(wanted)) {
+    log_failure("sock_cb - event_new", std::strerror(ENOMEM), __LINE__);
+    manager.given_up = true;
+    return -1;
+  }
   if (record == nullptr) {
     check(curl_multi_assign(manager.multi.get(), fd, &wanted), "sock_cb - curl_multi_assign");
   }
@@ -120,10 +135,10 @@ manager_t::socket_record_t& manager_t::make_record(curl_socket_t fd) {
   return sockets.emplace(fd, socket_record_t{fd, nullptr, CURL_POLL_NONE, nullptr, *this}).first->second;
 }
 
-void manager_t::watch(socket_record_t& record) {
+bool manager_t::watch(socket_record_t& record) {
   record.watcher.reset();
   record.watcher.reset(event_new(base, record.fd, events_of(record.action), on_socket_event, &record));
-  event_add(record.watcher.get(), nullptr);
+  return record.watcher && event_add(record.watcher.get(), nullptr) == 0;
 }
 
 int manager_t::on_timer_wanted(CURLM* /*multi*/, long timeout_ms, void* self) {
@@ -155,6 +170,11 @@ void manager_t::on_socket_event(evutil_socket_t fd, short events, void* record) 
 }
 
 void manager_t::check_completions() {
+  if (given_up) {
+    // libcurl ends each transfer only when it comes to it.
+    int running = 0;
+    check(curl_multi_perform(multi.get(), &running), "curl_multi_perform");
+  }
   int left = 0;
   while (const CURLMsg* message = curl_multi_info_read(multi.get(), &left)) {
     if (message->msg == CURLMSG_DONE) {

@@ -25,10 +25,12 @@ struct transfer_t {
 /// interface, told by the loop what descriptors and timers do.
 ///
 /// Lives on the loop's thread, where all requests are heard and destroyed. `add` and `remove` may come from any thread
-/// while the manager lives. A libcurl call that fails is logged at "zyl_curl" and stops nothing.
+/// while the manager lives, but not from a request's destructor: that may run while the manager ends. A libcurl call
+/// that fails is logged at "zyl_curl" and stops nothing. If the loop cannot watch a descriptor, which is logged too,
+/// that is the end of its work: all transfers, also those added later, end with CURLE_ABORTED_BY_CALLBACK.
 class manager_t {
  public:
-  /// `base` must outlive the manager. Throws `exception_t` if libcurl cannot be set up.
+  /// `base` must outlive the manager. Throws `exception_t` if libcurl cannot be set up, and `std::bad_alloc`.
   explicit manager_t(event_base* base);
 
   /// Ends all transfers; their requests are destroyed without having been completed. On the loop's thread, or when the
@@ -76,17 +78,20 @@ class manager_t {
   void start(std::unique_ptr<request_t> request, uint64_t serial);
   void end(const transfer_t& transfer);
   socket_record_t& make_record(curl_socket_t fd);
-  void watch(socket_record_t& record);
+  bool watch(socket_record_t& record);
   void check_completions();
   void complete(CURL* easy, CURLcode result);
 
   // Closing the multi handle still calls back for timer and sockets, so it goes before them.
+  std::unordered_map<curl_socket_t, socket_record_t> sockets;
   event_ptr_t timer;
   event_base* base;
-  std::unordered_map<curl_socket_t, socket_record_t> sockets;
   std::unique_ptr<CURLM, multi_cleanup_t> multi;
 
   std::unordered_map<CURL*, live_request_t> live;
+  /// Whether a descriptor could not be watched. libcurl then ends all transfers, and must not be given others: it
+  /// stumbles over what it still knows of them.
+  bool given_up = false;
   std::atomic<uint64_t> last_serial = 0;
   // Posted calls that find it gone do nothing.
   std::shared_ptr<manager_t*> self;

@@ -23,15 +23,16 @@ class download_t : public request_t {
 
   static constexpr std::size_t default_body_limit = std::size_t{16} << 20;
 
-  /// `done` is called once, on the manager's loop, unless the request is removed before. A body of more than
-  /// `body_limit` bytes ends the transfer with CURLE_WRITE_ERROR. Throws `exception_t` as `request_t` does.
+  /// `done` is called once, on the manager's loop, unless the request is removed before; it must not be empty and must
+  /// not throw. A body of more than `body_limit` bytes, or for which there is no memory, ends the transfer with
+  /// CURLE_WRITE_ERROR. Throws `exception_t` as `request_t` does.
   download_t(const std::string& url, done_t done, std::size_t body_limit = default_body_limit);
 
   void completed(CURLcode code) override;
   void finish() override;
 
  private:
-  static std::size_t on_body(char* data, std::size_t size, std::size_t count, void* self);
+  static std::size_t on_body(char* data, std::size_t size, std::size_t count, void* self) noexcept;
 
   done_t done;
   std::size_t body_limit;

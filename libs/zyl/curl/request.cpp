@@ -10,7 +10,8 @@ request_t::request_t() {
   if (!handle) {
     throw_init_failure(CURLE_FAILED_INIT);
   }
-  curl_easy_setopt(easy(), CURLOPT_PRIVATE, this);
+  require_init(curl_easy_setopt(easy(), CURLOPT_PRIVATE, this));
+  require_init(curl_easy_setopt(easy(), CURLOPT_NOSIGNAL, 1L));
 }
 
 }  // namespace zyl::curl

@@ -9,11 +9,15 @@ namespace zyl::curl {
 /// A transfer that a `manager_t` can carry out. Owns its easy handle, whose options derived classes set before the
 /// request is given to a manager, on any thread; CURLOPT_PRIVATE is taken.
 ///
+/// libcurl leaves the signals of the process alone (CURLOPT_NOSIGNAL), so that requests may run beside other threads.
+/// Who fetches over TLS must have SIGPIPE ignored: the TLS library writes to connections that the peer has closed.
+///
 /// `completed` and `finish` run on the manager's loop and must not throw. Afterwards the manager destroys the request,
-/// there too. A request that is removed, or whose manager ends first, is destroyed without either.
+/// there too. A request that is removed, or whose manager ends first, is destroyed without either. A destructor must
+/// not call the manager: it may be the manager's own end that it is part of.
 class request_t {
  public:
-  /// Throws `exception_t` if there is no easy handle to be had.
+  /// Throws `exception_t` if there is no easy handle to be had, or if it does not take an option.
   request_t();
   virtual ~request_t() = default;
 

@@ -1,5 +1,5 @@
-// libcurl's calls do not fail on request, so this program is linked with its own in their place, which pass on to
-// libcurl but for the call that a test has chosen.
+// libcurl's and libevent's calls do not fail on request, so this program is linked with its own in their place, which
+// pass on to the libraries but for the call that a test has chosen.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <functional>
 #include <memory>
+#include <new>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -27,7 +28,19 @@ namespace {
 /// The call that fails, and of a family of calls the member.
 std::string_view failing;
 
+/// Whether this thread gets no block of a mebibyte or more.
+thread_local bool memory_is_scarce = false;
+
 }  // namespace
+
+void* operator new(std::size_t size) {
+  void* const block = memory_is_scarce && size >= std::size_t{1} << 20 ? nullptr : std::malloc(size);
+  return block != nullptr ? block : throw std::bad_alloc();
+}
+
+void operator delete(void* block) noexcept { std::free(block); }
+
+void operator delete(void* block, std::size_t /*size*/) noexcept { std::free(block); }
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker's names for the calls it puts in place of libcurl's, and theirs
 extern "C" {
@@ -35,10 +48,12 @@ extern "C" {
 CURLcode __real_curl_global_init(long flags);
 CURL* __real_curl_easy_init();
 CURLcode __real_curl_easy_getinfo(CURL* easy, CURLINFO info, ...);
+CURLcode __real_curl_easy_setopt(CURL* easy, CURLoption option, ...);
 CURLM* __real_curl_multi_init();
 CURLMcode __real_curl_multi_assign(CURLM* multi, curl_socket_t fd, void* record);
 CURLMcode __real_curl_multi_socket_action(CURLM* multi, curl_socket_t fd, int action, int* running);
 CURLMcode __real_curl_multi_remove_handle(CURLM* multi, CURL* easy);
+event* __real_event_new(event_base* base, evutil_socket_t fd, short events, event_callback_fn call, void* argument);
 
 CURLcode __wrap_curl_global_init(long flags) {
   return failing == "curl_global_init" ? CURLE_OUT_OF_MEMORY : __real_curl_global_init(flags);
@@ -53,10 +68,24 @@ CURLcode __wrap_curl_easy_getinfo(CURL* easy, unsigned info, ...) {
   void* const told = va_arg(arguments, void*);
   va_end(arguments);
   if ((failing == "CURLINFO_PRIVATE" && info == CURLINFO_PRIVATE) ||
-      (failing == "CURLINFO_EFFECTIVE_URL" && info == CURLINFO_EFFECTIVE_URL)) {
+      (failing == "CURLINFO_EFFECTIVE_URL" && info == CURLINFO_EFFECTIVE_URL) ||
+      (failing == "CURLINFO_RESPONSE_CODE" && info == CURLINFO_RESPONSE_CODE)) {
     return CURLE_UNKNOWN_OPTION;
   }
   return __real_curl_easy_getinfo(easy, static_cast<CURLINFO>(info), told);
+}
+
+CURLcode __wrap_curl_easy_setopt(CURL* easy, unsigned option, ...) {
+  va_list arguments;
+  va_start(arguments, option);
+  void* const given = va_arg(arguments, void*);
+  va_end(arguments);
+  const bool fails = (failing == "CURLOPT_PRIVATE" && option == CURLOPT_PRIVATE) ||
+                     (failing == "CURLOPT_NOSIGNAL" && option == CURLOPT_NOSIGNAL) ||
+                     (failing == "CURLOPT_URL" && option == CURLOPT_URL) ||
+                     (failing == "CURLOPT_WRITEFUNCTION" && option == CURLOPT_WRITEFUNCTION) ||
+                     (failing == "CURLOPT_WRITEDATA" && option == CURLOPT_WRITEDATA);
+  return fails ? CURLE_OUT_OF_MEMORY : __real_curl_easy_setopt(easy, static_cast<CURLoption>(option), given);
 }
 
 CURLM* __wrap_curl_multi_init() { return failing == "curl_multi_init" ? nullptr : __real_curl_multi_init(); }
@@ -76,14 +105,22 @@ CURLMcode __wrap_curl_multi_remove_handle(CURLM* multi, CURL* easy) {
   return failing == "curl_multi_remove_handle" ? CURLM_BAD_HANDLE : __real_curl_multi_remove_handle(multi, easy);
 }
 
+event* __wrap_event_new(event_base* base, evutil_socket_t fd, short events, event_callback_fn call, void* argument) {
+  const bool fails = failing == (fd < 0 ? "event_new of a timer" : "event_new of a socket");
+  return fails ? nullptr : __real_event_new(base, fd, events, call, argument);
+}
+
 }  // extern "C"
 // NOLINTEND(bugprone-reserved-identifier)
 
 using testing::AllOf;
+using testing::Contains;
 using testing::Each;
+using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::Not;
+using testing::ThrowsMessage;
 using zyl::curl::download_t;
 using zyl::curl::manager_t;
 
@@ -168,6 +205,65 @@ TEST_F(CurlFailureTest, LineTellsWhereTheCallStands) {
   const auto place = [](const std::string& line) { return line.substr(0, line.find(" ERROR")); };
   EXPECT_EQ(place(of_assign.front()), place(of_assign.back()));
   EXPECT_NE(place(of_assign.front()), place(of_private.front()));
+}
+
+TEST_F(CurlFailureTest, DescriptorThatCannotBeWatchedEndsTheTransfers) {
+  failing = "event_new of a socket";
+  std::optional<download_t::result_t> result;
+  manager.add(std::make_unique<download_t>(server.url("/trickle/100"),
+                                           [&](const download_t::result_t& told) { result = told; }));
+  ASSERT_TRUE(test_support::loop_until(loop.base(), [&] { return result.has_value(); }));
+  EXPECT_EQ(result->code, CURLE_ABORTED_BY_CALLBACK);
+  EXPECT_THAT(log.lines(), Contains(MatchesRegex(".*ERROR : sock_cb - event_new returns Cannot allocate memory")));
+
+  failing = {};
+  result.reset();
+  manager.add(
+      std::make_unique<download_t>(server.url("/size/1"), [&](const download_t::result_t& told) { result = told; }));
+  ASSERT_TRUE(test_support::loop_until(loop.base(), [&] { return result.has_value(); }));
+  EXPECT_EQ(result->code, CURLE_ABORTED_BY_CALLBACK);
+}
+
+TEST_F(CurlFailureTest, ManagerWithoutATimerIsNone) {
+  failing = "event_new of a timer";
+  EXPECT_THROW(manager_t(loop.base()), std::bad_alloc);
+}
+
+TEST_F(CurlFailureTest, RequestWhoseHandleRefusesAnOptionIsNone) {
+  const auto make_request = [] { const download_t download("http://127.0.0.1/", [](const auto&) {}); };
+  for (const char* option :
+       {"CURLOPT_PRIVATE", "CURLOPT_NOSIGNAL", "CURLOPT_URL", "CURLOPT_WRITEFUNCTION", "CURLOPT_WRITEDATA"}) {
+    failing = option;
+    EXPECT_THAT(make_request, ThrowsMessage<zyl::curl::exception_t>("unexpected error in CURL init : Out of memory"))
+        << option;
+  }
+}
+
+TEST_F(CurlFailureTest, StatusThatCannotBeToldIsZeroWithALine) {
+  failing = "CURLINFO_RESPONSE_CODE";
+  std::optional<download_t::result_t> result;
+  manager.add(
+      std::make_unique<download_t>(server.url("/size/1"), [&](const download_t::result_t& told) { result = told; }));
+  ASSERT_TRUE(test_support::loop_until(loop.base(), [&] { return result.has_value(); }));
+  EXPECT_EQ(result->code, CURLE_OK);
+  EXPECT_EQ(result->status, 0);
+  EXPECT_THAT(log.lines(), ElementsAre(MatchesRegex("  \\[" + std::to_string(gettid()) +
+                                                    "\\]: \\[curl/download:[0-9]+\\] ERROR : curl_easy_getinfo - "
+                                                    "CURLINFO_RESPONSE_CODE returns " +
+                                                    easy_text(CURLE_UNKNOWN_OPTION))));
+}
+
+TEST_F(CurlFailureTest, BodyForWhichThereIsNoMemoryEndsTheTransfer) {
+  std::optional<download_t::result_t> result;
+  manager.add(std::make_unique<download_t>(server.url("/size/" + std::to_string(4 << 20)),
+                                           [&](const download_t::result_t& told) { result = told; }));
+  memory_is_scarce = true;
+  const bool ended = test_support::loop_until(loop.base(), [&] { return result.has_value(); });
+  memory_is_scarce = false;
+  ASSERT_TRUE(ended);
+  EXPECT_EQ(result->code, CURLE_WRITE_ERROR);
+  EXPECT_GT(result->body.size(), 0U);
+  EXPECT_LT(result->body.size(), std::size_t{4} << 20);
 }
 
 // libcurl is set up once a process, so each of these has one of its own.

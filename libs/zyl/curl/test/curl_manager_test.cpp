@@ -52,6 +52,18 @@ class CurlManagerTest : public testing::Test {
     return all;
   }
 
+  /// Whether the manager has the loop wake it at a time.
+  bool awaits_a_time() {
+    std::pair<const manager_t*, bool> answer{manager.get(), false};
+    const auto look = [](const event_base* /*base*/, const event* seen, void* given) {
+      auto& [owner, found] = *static_cast<decltype(answer)*>(given);
+      found = found || event_get_callback_arg(seen) == owner;  // the loop holds only what awaits something
+      return 0;
+    };
+    event_base_foreach_event(loop.base(), look, &answer);
+    return answer.second;
+  }
+
   test_support::log_capture_t log{"zyl_curl"};
   fake_http_server_t server;
   zyl::event_loop_t loop;
@@ -200,6 +212,17 @@ TEST_F(CurlManagerTest, TimeLimitOfARequestEndsIt) {
   manager->add(std::move(request));
   ASSERT_TRUE(turn_until([&] { return results.size() == 1; }));
   EXPECT_EQ(results[0].code, CURLE_OPERATION_TIMEDOUT);
+}
+
+TEST_F(CurlManagerTest, TimerOfATimeLimitGoesWithItsTransfer) {
+  auto request = std::make_unique<probe_request_t>(server.url("/held"), fates);
+  curl_easy_setopt(request->easy(), CURLOPT_TIMEOUT_MS, 3'600'000L);
+  const transfer_t transfer = manager->add(std::move(request));
+  ASSERT_TRUE(turn_until([&] { return server.heard() == 1; }));
+  EXPECT_TRUE(awaits_a_time());
+  manager->remove(transfer);
+  ASSERT_TRUE(turn_until([&] { return fates.destroyed == 1; }));
+  EXPECT_FALSE(awaits_a_time());
 }
 
 TEST_F(CurlManagerTest, TransferWithoutAnAnswerIsRemoved) {
