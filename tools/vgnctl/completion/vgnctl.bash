@@ -60,7 +60,8 @@ _vgnctl() {
     mapfile -t COMPREPLY < <(compgen -W "$subcommands" -- "$word")
   else
     case "${command[*]:1}:$operands" in
-      "property get:0" | "property set:0" | "property create:0" | "property list:0" | "property monitor:"*)
+      "property get:0" | "property set:0" | "property create:0" | "property list:0" | "property dump:0" | \
+        "property monitor:"*)
         mapfile -t COMPREPLY < <(_vgnctl_paths "$tool" "$word")
         # So that the next part of the path can be typed at once.
         [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == */ ]] && compopt -o nospace

@@ -33,10 +33,14 @@ Examples:
   vgnctl property monitor /tarn/mode/id /tarn/design/status
   vgnctl property dump --json | jq -r 'select(.value == "").path'
 
+Arguments:
+  Behind -- all are taken as they are, also -1, ++ and what a command is called.
+  PATH and VALUE have at most 65517 bytes together.
+
 Exit status:
   0  done
-  1  no property service listens at /tmp/.tarn_property_ipc, it does not answer
-     or refuses, or it has gone
+  1  no property service listens at /tmp/.tarn_property_ipc, it takes no
+     request, does not answer or refuses, or it has gone
   2  wrong use)";
 
 constexpr const char* get_footer = R"(Examples:
@@ -44,14 +48,18 @@ constexpr const char* get_footer = R"(Examples:
   line=$(vgnctl property get /tarn/mode/id) && [ "${line#*=}" = 1 ])";
 
 constexpr const char* set_footer = R"(Whoever monitors the property is told, also when the value is the one that it
-had. Path and value have at most 65517 bytes together.
+had. Status 1 if the request does not go out, or if the service does not know
+the property afterwards. Whether it kept the value is not looked at.
 
 Examples:
   vgnctl property set /tarn/mode/id 1
   vgnctl property set /tarn/mode/id ''        the empty value
-  vgnctl property set /sys/offset -- -1       a value that begins with "-")";
+  vgnctl property set /sys/offset -- -1       a value that begins with "-"
+  vgnctl property set /sys/offset -- ++       or that is "++")";
 
 constexpr const char* create_footer = R"(A new property is empty; one that exists keeps its value.
+Status 1 if the request does not go out, or if the service does not know the
+property afterwards.
 
 Examples:
   vgnctl property create /sys/name)";
@@ -63,15 +71,18 @@ Examples:
   vgnctl property list /sys
   vgnctl property list --json /sys | jq -r .path)";
 
-constexpr const char* dump_footer = R"(It ends when the service says so or is silent for half a second.
+constexpr const char* dump_footer = R"(With PATH it prints what "list PATH" prints. It ends when the
+service says so or is silent for half a second.
 
 Examples:
-  vgnctl property dump | grep hdmi)";
+  vgnctl property dump | grep hdmi
+  vgnctl property dump /sys/config)";
 
 constexpr const char* monitor_footer =
     R"(A line comes at once whenever somebody sets one of the
 properties, also when the value is the one that it had. The values from before
-are not printed. A property may come to exist later.
+are not printed. A property may come to exist later. A path in brackets is not
+taken as one: [/a,/b] stands for /a and /b.
 
 Ends by the signal that interrupts it, as of Ctrl-C, or with exit status 1 when
 the service goes away.
@@ -98,15 +109,31 @@ CLI::App* add_command(CLI::App& group, const char* name, const char* description
   return command;
 }
 
-template <typename paths_t>
-void add_path(CLI::App* command, paths_t& path, const char* description) {
-  const auto no_text = [](const std::string& text) { return text.empty() ? "must not be empty" : ""; };
-  command->add_option("PATH", path, description)->required()->check(CLI::Validator(no_text, ""))->type_name("");
+/// What is wrong with so many bytes in one request; empty if nothing is.
+std::string fault_of_size(std::size_t size) {
+  return size <= zyl::longest_property
+             ? ""
+             : std::to_string(size) + " bytes are too long, " + std::to_string(zyl::longest_property) + " is the most";
 }
 
-void add_json(CLI::App* command, arguments_t& arguments) {
-  command->add_flag("--json", arguments.json, "Print JSON lines");
+template <typename paths_t>
+CLI::Option* add_optional_path(CLI::App* command, paths_t& path, const char* description) {
+  const auto fault_of = [](const std::string& text) {
+    return text.empty() ? "must not be empty" : fault_of_size(text.size());
+  };
+  return command->add_option("PATH", path, description)->check(CLI::Validator(fault_of, ""))->type_name("");
 }
+
+template <typename paths_t>
+void add_path(CLI::App* command, paths_t& path, const char* description) {
+  add_optional_path(command, path, description)->required();
+}
+
+void add_json(CLI::App* command, arguments_t& arguments, const char* description = "Print JSON lines") {
+  command->add_flag("--json", arguments.json, description);
+}
+
+constexpr const char* json_of_nothing = "No difference: nothing is printed";
 
 void print(const arguments_t& arguments, const std::string& path, const std::string& value) {
   std::cout << (arguments.json ? json_line(path, value) : text_line(path, value)) << '\n';
@@ -121,10 +148,9 @@ void get(const arguments_t& arguments) {
 }
 
 void set(const arguments_t& arguments) {
-  const std::size_t size = arguments.path.size() + arguments.value.size();
-  if (size > zyl::longest_property) {
-    throw CLI::ValidationError("PATH and VALUE", std::to_string(size) + " bytes are too long, " +
-                                                     std::to_string(zyl::longest_property) + " is the most");
+  const std::string fault = fault_of_size(arguments.path.size() + arguments.value.size());
+  if (!fault.empty()) {
+    throw CLI::ValidationError("PATH and VALUE", fault);
   }
   property_session_t().set(arguments.path, arguments.value);
 }
@@ -133,7 +159,13 @@ void create(const arguments_t& arguments) { property_session_t().create(argument
 
 void list(const arguments_t& arguments) { property_session_t().list(arguments.path, printer(arguments)); }
 
-void dump(const arguments_t& arguments) { property_session_t().dump(printer(arguments)); }
+void dump(const arguments_t& arguments) {
+  if (arguments.path.empty()) {
+    property_session_t().dump(printer(arguments));
+  } else {
+    list(arguments);
+  }
+}
 
 void monitor(const arguments_t& arguments) {
   const auto print_now = [&arguments](const std::string& path, const std::string& value) {
@@ -162,6 +194,7 @@ void add_set(CLI::App& group) {
   command->add_option("VALUE", arguments->value, "its new value, behind -- if it begins with -")
       ->required()
       ->type_name("");
+  add_json(command, *arguments, json_of_nothing);
 }
 
 void add_create(CLI::App& group) {
@@ -169,6 +202,7 @@ void add_create(CLI::App& group) {
   CLI::App* command =
       add_command(group, "create", "Make a property exist; returns when it does", create_footer, arguments, create);
   add_path(command, arguments->path, "path of the property");
+  add_json(command, *arguments, json_of_nothing);
 }
 
 void add_list(CLI::App& group) {
@@ -188,7 +222,9 @@ void add_monitor(CLI::App& group) {
 
 void add_dump(CLI::App& group) {
   const auto arguments = std::make_shared<arguments_t>();
-  CLI::App* command = add_command(group, "dump", "Print all properties", dump_footer, arguments, dump);
+  CLI::App* command =
+      add_command(group, "dump", "Print all properties, or those below a path", dump_footer, arguments, dump);
+  add_optional_path(command, arguments->path, "the path above them");
   add_json(command, *arguments);
 }
 

@@ -12,8 +12,8 @@ namespace vgnctl {
 
 /// What one command has to say to the property service, each request followed through to its end.
 ///
-/// Every call throws a `zyl::exception_t` with a text for people if the service hangs up or does not answer. One
-/// thread.
+/// Every call throws a `zyl::exception_t` with a text for people if the service hangs up, does not take the request or
+/// does not answer. A path, and path and value together, must not be longer than `zyl::longest_property`. One thread.
 class property_session_t {
  public:
   using property_handler_t = std::function<void(const std::string& path, const std::string& value)>;
@@ -24,17 +24,18 @@ class property_session_t {
   /// The value of a property; nothing if it does not exist.
   std::optional<std::string> get(const std::string& path);
 
-  /// Writes a property and waits until the service has it. Throws if the property does not exist then. Path and value
-  /// must not be longer than `zyl::longest_property` together.
+  /// Writes a property and waits until the service has it. Throws if the property does not exist then; which value it
+  /// has is not looked at.
   void set(const std::string& path, const std::string& value);
 
   /// Makes a property exist and waits until it does. Throws if it does not.
   void create(const std::string& path);
 
-  /// Hands over each property below `path` in the order of the service.
+  /// Hands over each property below `path` in the order of the service, until that gives an empty path or is silent for
+  /// half a second. Silence from the beginning is an empty list.
   void list(const std::string& path, const property_handler_t& on_property);
 
-  /// Hands over all properties in the order of the service.
+  /// Hands over all properties, in the same way.
   void dump(const property_handler_t& on_property);
 
   /// Hands over each change of the properties. `on_unknown` is called when the service says that it does not know one
@@ -54,8 +55,8 @@ class property_session_t {
 
   std::optional<message_t> next_message(int64_t limit_ms);
   void require(const std::string& path);
-  void collect(const std::string& about, const property_handler_t& on_property);
-  bool take_properties(const std::string& asked_again, const property_handler_t& on_property);
+  void require_sent(bool sent) const;
+  void collect(const property_handler_t& on_property);
 
   zyl::property_client_t client;
 };

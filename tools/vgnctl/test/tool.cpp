@@ -59,6 +59,11 @@ running_tool_t::~running_tool_t() {
   std::fclose(out);
 }
 
+bool running_tool_t::speaks() {
+  const int first = std::fgetc(out);
+  return first != EOF && std::ungetc(first, out) == first;
+}
+
 std::string running_tool_t::line() {
   std::string text;
   for (int c = std::fgetc(out); c != EOF && c != '\n'; c = std::fgetc(out)) {

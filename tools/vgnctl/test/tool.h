@@ -32,6 +32,9 @@ class running_tool_t {
   running_tool_t(running_tool_t&&) = delete;
   running_tool_t& operator=(running_tool_t&&) = delete;
 
+  /// Waits until there is standard output to read. False if it ends before.
+  bool speaks();
+
   /// The next line of standard output, or what is left of it; empty at its end.
   std::string line();
 

@@ -67,7 +67,7 @@ TEST_F(Completion, OffersGroupsAndCommands) {
 TEST_F(Completion, OffersTheOptionsOfTheCommand) {
   EXPECT_THAT(offered("-"), ElementsAre("--help"));
   EXPECT_THAT(offered("property get --"), ElementsAre("--help", "--json"));
-  EXPECT_THAT(offered("property set -"), ElementsAre("--help"));
+  EXPECT_THAT(offered("property set -"), ElementsAre("--help", "--json"));
   EXPECT_THAT(offered("property dump --j"), ElementsAre("--json"));
 }
 
@@ -95,11 +95,12 @@ TEST_F(Completion, OffersPathsOfTheRunningServicePartByPart) {
 }
 
 TEST_F(Completion, OffersPathsWhereACommandTakesThem) {
-  for (const std::string command : {"get", "get --json", "set", "create", "list", "monitor", "monitor /a --json /b"}) {
+  for (const std::string command :
+       {"get", "get --json", "set", "create", "list", "dump", "monitor", "monitor /a --json /b"}) {
     EXPECT_THAT(offered("property " + command + " /tarn/mode/"), ElementsAre("/tarn/mode/id")) << command;
   }
   EXPECT_THAT(offered("property get /a ''"), IsEmpty());
-  EXPECT_THAT(offered("property dump ''"), IsEmpty());
+  EXPECT_THAT(offered("property dump /a ''"), IsEmpty());
   EXPECT_THAT(offered("property set /a ''"), ElementsAre("compopt -o default"));
 }
 

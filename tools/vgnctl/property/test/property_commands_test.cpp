@@ -82,6 +82,41 @@ TEST_F(PropertyCommands, SetTakesTheLongestValueAndRefusesALongerOne) {
   EXPECT_EQ(properties.value("/a"), longest);
 }
 
+TEST_F(PropertyCommands, ArgumentsBehindTwoHyphensAreTakenAsTheyAre) {
+  EXPECT_EQ(output_of("property set /a -- ++"), "");
+  EXPECT_EQ(properties.value("/a"), "++");
+  EXPECT_EQ(output_of("property set -- ++ get"), "");
+  EXPECT_EQ(properties.value("++"), "get");
+  EXPECT_EQ(output_of("property set '[/a,/b]' '[1,2]'"), "");
+  EXPECT_EQ(properties.value("[/a,/b]"), "[1,2]");
+  EXPECT_EQ(output_of("property get '[/a,/b]'"), "[/a,/b]=[1,2]\n");
+}
+
+TEST_F(PropertyCommands, LongestPathIsTakenAndALongerOneIsBadUsage) {
+  const auto with_path_of = [](const std::string& command, const std::string& bytes) {
+    return run("property " + command + " \"$(head -c " + bytes + " /dev/zero | tr '\\0' p)\"");
+  };
+  const std::string longest(65517, 'p');
+  EXPECT_EQ(with_path_of("create", "65517").status, 0);
+  EXPECT_TRUE(properties.exists(longest));
+  const auto found = with_path_of("get", "65517");
+  EXPECT_EQ(found.status, 0);
+  EXPECT_EQ(found.out, longest + "=\n");
+  for (const char* command : {"get", "create", "list", "monitor", "monitor /a", "dump"}) {
+    const auto refused = with_path_of(command, "65518");
+    EXPECT_EQ(refused.status, 2) << command;
+    EXPECT_THAT(refused.error, HasSubstr("65518 bytes are too long, 65517 is the most")) << command;
+  }
+}
+
+TEST_F(PropertyCommands, SetAndCreatePrintNoJsonEither) {
+  EXPECT_EQ(output_of("property set --json /a 1"), "");
+  EXPECT_EQ(output_of("property set /a 2 --json"), "");
+  EXPECT_EQ(properties.value("/a"), "2");
+  EXPECT_EQ(output_of("property create --json /b"), "");
+  EXPECT_TRUE(properties.exists("/b"));
+}
+
 TEST_F(PropertyCommands, CreateMakesAnEmptyPropertyAndKeepsOneThatExists) {
   EXPECT_EQ(output_of("property create /new"), "");
   EXPECT_TRUE(properties.exists("/new"));
@@ -107,6 +142,41 @@ TEST_F(PropertyCommands, DumpPrintsEverything) {
   EXPECT_EQ(output_of("property dump"), "/a/x=one\n/b=two\n");
   EXPECT_EQ(output_of("property dump --json"),
             "{\"path\":\"/a/x\",\"value\":\"one\"}\n{\"path\":\"/b\",\"value\":\"two\"}\n");
+}
+
+TEST_F(PropertyCommands, DumpOfAPathPrintsWhatListPrints) {
+  properties.publish("/a/x", "one");
+  properties.publish("/a/y", "");
+  properties.publish("/b", "two");
+  EXPECT_EQ(output_of("property dump /a"), "/a/x=one\n/a/y=\n");
+  EXPECT_EQ(output_of("property dump --json /a"), output_of("property list --json /a"));
+  EXPECT_EQ(output_of("property dump /none"), "");
+}
+
+TEST(PropertyMonitor, TakesPathsInBracketsAsAList) {
+  fake_property_service_t service;
+  const running_tool_t tool({"property", "monitor", "[/a,/b]"});
+  ASSERT_TRUE(service.hears({"monitor", "/b"}));
+  EXPECT_THAT(service.requests(), ElementsAre(ElementsAre("monitor", "/a"), ElementsAre("monitor", "/b")));
+}
+
+TEST(PropertyMonitor, PrintsWhatCameRightBeforeTheServiceWent) {
+  fake_property_service_t service;
+  running_tool_t tool({"property", "monitor", "/a"});
+  ASSERT_TRUE(service.hears({"monitor", "/a"}));
+  // The first line is longer than a pipe holds, so the tool is still at it when the service closes.
+  service.send_bytes(zyl::build_frame({"changed", "/a", std::string(20'000, '\1')}) +
+                     zyl::build_frame({"changed", "/a", "2"}) + zyl::build_frame({"changed", "/a", "3"}));
+  ASSERT_TRUE(tool.speaks());
+  service.close_clients();
+  EXPECT_EQ(tool.line().size(), 3U + 4 * 20'000);
+  EXPECT_EQ(tool.line(), "/a=2");
+  EXPECT_EQ(tool.line(), "/a=3");
+  EXPECT_EQ(tool.line(), "");
+  const int status = tool.wait();
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+  EXPECT_EQ(running_tool_t::error(), "vgnctl: the property service has gone\n");
 }
 
 TEST(PropertyMonitor, PrintsEachChangeAtOnceUntilInterrupted) {
@@ -188,11 +258,20 @@ TEST(PropertyService, AbsentIsSaidByEveryCommand) {
 
 TEST(PropertyService, SilentIsAFailure) {
   const fake_property_service_t service;
-  for (const char* arguments : {"get /a", "set /a 1", "create /a", "list /a"}) {
+  for (const char* arguments : {"get /a", "set /a 1", "create /a"}) {
     const auto outcome = run(std::string("property ") + arguments);
     EXPECT_EQ(outcome.status, 1) << arguments;
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.error, "vgnctl: the property service gave no answer for /a\n");
+  }
+}
+
+TEST(PropertyService, SilentHasEmptyLists) {
+  const fake_property_service_t service;
+  for (const char* arguments : {"list /a", "dump", "dump /a", "list --json /a"}) {
+    const auto outcome = run(std::string("property ") + arguments);
+    EXPECT_EQ(outcome.status, 0) << arguments;
+    EXPECT_EQ(outcome.out + outcome.error, "") << arguments;
   }
 }
 
@@ -209,8 +288,7 @@ TEST(PropertyService, GoingAwayInTheMiddleOfAListIsAFailure) {
 
 TEST(PropertyService, ThatSendsNoEndOfAListIsListedAllTheSame) {
   const fake_property_service_t service([](const fake_property_service_t::request_t& request, int /*client*/) {
-    return request[0] == "get" ? zyl::build_frame({"error", "no_property", request[1]})
-                               : zyl::build_frame({"get_response", "/a/1", "one"});
+    return request[0] == "get" ? "" : zyl::build_frame({"get_response", "/a/1", "one"});
   });
   for (const char* arguments : {"list /a", "dump"}) {
     const auto outcome = run(std::string("property ") + arguments);
