@@ -181,15 +181,14 @@ bool std_timings_block_t::add(const vid_resolution_t& mode) {
 }
 
 bool std_timings_block_t::remove(const vid_resolution_t& mode) {
-  bool removed = false;
   for (std::size_t at = 0; at < data.size(); at += code_size) {
     if (means(code_at(data, at), mode)) {
       data[at] = unused;
       data[at + 1] = unused;
-      removed = true;
+      return true;
     }
   }
-  return removed;
+  return false;
 }
 
 }  // namespace edid_lib

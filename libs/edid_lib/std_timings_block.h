@@ -9,7 +9,7 @@ namespace edid_lib {
 
 /// Bytes 38 to 53 of the base block (E-EDID 1.4, section 3.9): eight codes of two bytes. The first is width / 8 - 31;
 /// the second has the picture's shape in bits 6 and 7 (0 square before revision 3 and 16:10 from then on, 1 4:3, 2 5:4,
-/// 3 16:9) and the rate - 60 below. A code of twice 0x00, 0x01 or 0x20 is unused.
+/// 3 16:9) and the rate - 60 in the six bits below. A code of twice 0x00, 0x01 or 0x20 is unused.
 class std_timings_block_t final : public edid_block_t {
  public:
   /// Always 16 bytes: short input is padded with 1, longer input cut.
@@ -34,10 +34,12 @@ class std_timings_block_t final : public edid_block_t {
   bool contains(const vid_resolution_t& mode) const;
 
   /// Puts the code of `mode` into the first unused place, unless it is there already. False without change if all eight
-  /// are in use or no code means the mode: its shape, size or rate does not fit, or DMT does not know it.
+  /// are in use or the mode has no code: its shape or size does not fit, or DMT knows no mode of this code. Rates below
+  /// 60 and above 123 wrap, and widths are cut to a multiple of 8, so what is stored for them is the code of another
+  /// mode: 800x600@120 for 800x600@56.
   bool add(const vid_resolution_t& mode);
 
-  /// Makes the codes that mean `mode` unused. False if there are none.
+  /// Makes the first code that means `mode` unused. False if there is none.
   bool remove(const vid_resolution_t& mode);
 };
 

@@ -154,6 +154,14 @@ TEST(StdTimingsBlock, ACodeHasSixBitsForTheRateAlsoBelow60) {
   EXPECT_FALSE(written.contains(vid_resolution_t("800x600@56")));
 }
 
+TEST(StdTimingsBlock, ACodeHasTheWidthInSteps) {
+  std_timings_block_t written = block({});
+  const vid_resolution_t between_steps("644x483@60");
+  EXPECT_TRUE(written.add(between_steps));
+  EXPECT_FALSE(written.contains(between_steps));
+  EXPECT_TRUE(written.contains(vid_resolution_t("640x480@60")));
+}
+
 TEST(StdTimingsBlock, ReducedBlankingIsNoPartOfTheCode) {
   vid_resolution_t reduced("1280x800@60");
   reduced.reduced_blanking = true;
@@ -170,6 +178,34 @@ TEST(StdTimingsBlock, WithEightCodesInUseNothingIsAdded) {
   }
   EXPECT_EQ(written.count(), 8U);
   EXPECT_FALSE(written.add(vid_resolution_t("1280x1024@60")));
+}
+
+TEST(StdTimingsBlock, WithEightCodesInUseNotEvenAModeThatIsThereIsAdded) {
+  std_timings_block_t written =
+      block({0xD1, 0xC0, 0x81, 0x80, 0x81, 0x8F, 0x61, 0x40, 0x61, 0x4F, 0x45, 0x40, 0x45, 0x4F, 0x31, 0x40});
+  const vid_resolution_t there("1920x1080@60");
+  ASSERT_EQ(written.count(), 8U);
+  ASSERT_TRUE(written.contains(there));
+  EXPECT_FALSE(written.add(there));
+}
+
+TEST(StdTimingsBlock, TheFirstFreePlaceIsTakenAlsoInFrontOfCodesInUse) {
+  std_timings_block_t written = block({1, 1, 0xD1, 0xC0});
+  EXPECT_TRUE(written.add(vid_resolution_t("1280x1024@60")));
+  EXPECT_EQ(written.byte(0), 0x81);
+  EXPECT_EQ(written.byte(2), 0xD1);
+}
+
+TEST(StdTimingsBlock, OfACodeThatIsThereTwiceTheFirstIsRemoved) {
+  std_timings_block_t written = block({0xD1, 0xC0, 0x81, 0x80, 0xD1, 0xC0});
+  const vid_resolution_t twice("1920x1080@60");
+  EXPECT_TRUE(written.remove(twice));
+  EXPECT_EQ(written.byte(0), 1);
+  EXPECT_EQ(written.byte(4), 0xD1);
+  EXPECT_TRUE(written.contains(twice));
+  EXPECT_TRUE(written.remove(twice));
+  EXPECT_FALSE(written.remove(twice));
+  EXPECT_EQ(written.count(), 1U);
 }
 
 TEST(StdTimingsBlock, ARemovedModeLeavesAPlaceForAnother) {
