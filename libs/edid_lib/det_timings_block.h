@@ -17,13 +17,14 @@ namespace edid_lib {
 ///     8    horizontal sync offset, pulse width; 10: vertical sync offset, pulse width, a nibble each;
 ///     11   the upper two bits of these four
 ///     12   image width, height in mm; 14: their upper nibbles
-///     15   horizontal border, vertical border
+///     15   horizontal border, vertical border; written as the horizontal one twice, which is deliberate
 ///     17   bit 7 interlaced, bits 3 and 4 separate sync, bit 2 positive vertical, bit 1 positive horizontal sync
 class det_timings_block_t final : public edid_block_t {
  public:
   static constexpr std::size_t entry_size = detailed_entry_size;
 
-  /// `block_offset` is the position in the block around it. The bytes are cut, or padded with 1, to `entries` entries.
+  /// `block_offset` is the position in the block around it, or in the EDID for those that `cta_extension_t::detailed`
+  /// makes. The bytes are cut, or padded with 1, to `entries` entries.
   det_timings_block_t(std::span<const uint8_t> block_bytes, uint32_t block_offset, uint32_t entries);
 
   std::string_view name() const override { return "Detailed Timings"; }

@@ -147,6 +147,9 @@ std::optional<detailed_entry_t> encode_detailed_entry(const vid_resolution_t& mo
   detailed_entry_t entry{};
   entry[0] = low(timing.pixel_clock_khz / 10);
   entry[1] = low(timing.pixel_clock_khz / 10 >> 8);
+  if (!has_clock(entry)) {
+    return std::nullopt;
+  }
   store(entry,
         {timing.h_active, timing.h_total - timing.h_active, timing.h_sync_start - timing.h_active,
          timing.h_sync_end - timing.h_sync_start},

@@ -23,8 +23,9 @@ inline bool has_clock(detailed_entry_view_t entry) { return entry[0] != 0 || ent
 std::optional<vid_resolution_t> decode_detailed_entry(detailed_entry_view_t entry);
 
 /// The entry that tells `mode`: its own timing, or the one that the tables have for it, and its image size. Numbers
-/// lose the high bits that an entry has no room for. Lines are those of the frame, also of interlaced modes. Nothing
-/// for a mode without timing, or larger than 4095 on a side.
+/// lose the high bits that an entry has no room for. Lines are those of the frame, also of interlaced modes. Both
+/// border bytes are the horizontal border; that is deliberate, the vertical one is not told. Nothing for a mode without
+/// timing, larger than 4095 on a side, or with a clock that an entry would tell as none.
 std::optional<detailed_entry_t> encode_detailed_entry(const vid_resolution_t& mode);
 
 }  // namespace edid_lib

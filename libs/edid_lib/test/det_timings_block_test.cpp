@@ -31,6 +31,8 @@ detailed_entry_t field(vid_timing_t timing) {
 
 }  // namespace
 
+TEST(DetTimingsBlock, HasAName) { EXPECT_EQ(det_timings_block_t({}, 54, 1).name(), "Detailed Timings"); }
+
 TEST(DetTimingsBlock, HasItsPlaceAndItsRoom) {
   const det_timings_block_t block(detailed_entry(full_hd), 54, 2);
   EXPECT_EQ(block.offset(), 54U);
@@ -208,6 +210,21 @@ TEST(DetTimingsBlock, ModesWithoutTimingOrAbove4095AreNotAdded) {
   EXPECT_FALSE(block.add(vid_resolution_t(tall)));
   EXPECT_EQ(block.count(), 0U);
   EXPECT_TRUE(block.add(vid_resolution_t("3840x2160@60")));
+}
+
+TEST(DetTimingsBlock, AClockThatAnEntryTellsAsNoneIsNotAdded) {
+  det_timings_block_t block({}, 54, 1);
+  block.clear();
+  for (const uint32_t clock : {1U, 9U, 655360U, 655369U, 2U * 655360U}) {
+    vid_timing_t timing = full_hd;
+    timing.pixel_clock_khz = clock;
+    EXPECT_FALSE(block.add(vid_resolution_t(timing))) << clock;
+  }
+  EXPECT_EQ(block.bytes()[2], 0) << "nothing was written";
+  vid_timing_t slowest = full_hd;
+  slowest.pixel_clock_khz = 10;
+  EXPECT_TRUE(block.add(vid_resolution_t(slowest)));
+  EXPECT_EQ(block.modes().size(), 1U);
 }
 
 TEST(DetTimingsBlock, NumbersLoseTheHighBitsThatDoNotFit) {
