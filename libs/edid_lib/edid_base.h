@@ -49,7 +49,8 @@ class edid_base_t final : public edid_block_t {
   /// A block to build up: EDID 1.3, digital, and no timings, room for two detailed ones, no descriptors.
   void reset() override;
 
-  /// False without 640x480@60 among the established timings.
+  /// Whether the preferred timing is native, 640x480@60 is among the established timings, and every descriptor is
+  /// valid. Parsing sees to the first and the last, so a parsed block is invalid for lack of 640x480@60 alone.
   bool valid() const override;
   std::string_view name() const override { return "EDID Base Block"; }
   void accept(visitor_t* visitor, bool forward) override;
@@ -95,7 +96,8 @@ class edid_base_t final : public edid_block_t {
   uint8_t color_depth() const;
   void set_color_depth(uint8_t depth);
 
-  /// 0 undefined, 1 DVI, 2 HDMI a, 3 HDMI b, 4 MDDI, 5 DisplayPort. For EDID 1.4 only: otherwise 0, and not stored.
+  /// 0 undefined, 1 DVI, 2 HDMI a, 3 HDMI b, 4 MDDI, 5 DisplayPort; others are read and stored as 0. For EDID 1.4
+  /// only: otherwise 0, and not stored.
   uint8_t digital_interface() const;
   void set_digital_interface(uint8_t interface_number);
 
@@ -121,8 +123,10 @@ class edid_base_t final : public edid_block_t {
   bool continuous_frequency() const { return has_mask(24, 0x1); }
   void set_continuous_frequency(bool on) { set_mask(24, 0x1, on); }
 
-  /// Colour type by the number that `set_color_type` takes: 1 and 2 as EDID 1.3 counts, 3 to 5 by colour encodings of
-  /// EDID 1.4, 6 undefined.
+  /// EDID 1.3 tells 0 monochrome, 1 RGB, 2 colours other than RGB, 6 undefined. Others tell 1 RGB 4:4:4, and with it 3
+  /// YCC 4:4:4, 4 YCC 4:2:2, 5 both.
+  ///
+  /// Setting stores RGB for what EDID 1.3 and 1.4 have no bits for. Other versions take the bits of type 3 alone.
   uint8_t color_type() const;
   void set_color_type(uint8_t type);
 
@@ -144,7 +148,7 @@ class edid_base_t final : public edid_block_t {
   void add_descriptor(std::unique_ptr<base_descriptor_block_t> descriptor);
 
   /// The 128 bytes with those of the timing blocks and descriptors in their places, `extensions` in byte 126, and the
-  /// checksum right. Empty detailed timings become dummy descriptors.
+  /// checksum right. Detailed timings and descriptors of nothing but zeros become dummy descriptors.
   std::vector<uint8_t> assemble(uint8_t extensions) const;
 
  private:
