@@ -19,6 +19,11 @@ class base_descriptor_block_t : public edid_block_t {
   virtual uint32_t length() const { return 18; }
   virtual uint32_t offset() const { return position; }
 
+  /// A descriptor of the same class, place and bytes, whatever these would be read as by now. Every class has its own.
+  virtual std::unique_ptr<base_descriptor_block_t> clone() const {
+    return std::make_unique<base_descriptor_block_t>(*this);
+  }
+
   /// By tag.
   std::string_view name() const override;
   void accept(visitor_t* visitor, bool forward) override;
@@ -46,6 +51,9 @@ class monitor_name_base_block_t final : public base_descriptor_block_t {
   explicit monitor_name_base_block_t(uint32_t block_offset, std::span<const uint8_t> block_bytes = {})
       : base_descriptor_block_t(block_offset, block_bytes, own_tag) {}
 
+  std::unique_ptr<base_descriptor_block_t> clone() const override {
+    return std::make_unique<monitor_name_base_block_t>(*this);
+  }
   bool valid() const override { return tag() == own_tag; }
   void accept(visitor_t* visitor, bool forward) override;
   std::string text() const { return text_field(); }
@@ -60,6 +68,9 @@ class monitor_serial_base_block_t final : public base_descriptor_block_t {
   explicit monitor_serial_base_block_t(uint32_t block_offset, std::span<const uint8_t> block_bytes = {})
       : base_descriptor_block_t(block_offset, block_bytes, own_tag) {}
 
+  std::unique_ptr<base_descriptor_block_t> clone() const override {
+    return std::make_unique<monitor_serial_base_block_t>(*this);
+  }
   bool valid() const override { return tag() == own_tag; }
   void accept(visitor_t* visitor, bool forward) override;
   std::string text() const { return text_field(); }
@@ -74,6 +85,9 @@ class ascii_string_base_block_t final : public base_descriptor_block_t {
   explicit ascii_string_base_block_t(uint32_t block_offset, std::span<const uint8_t> block_bytes = {})
       : base_descriptor_block_t(block_offset, block_bytes, own_tag) {}
 
+  std::unique_ptr<base_descriptor_block_t> clone() const override {
+    return std::make_unique<ascii_string_base_block_t>(*this);
+  }
   bool valid() const override { return tag() == own_tag; }
   void accept(visitor_t* visitor, bool forward) override;
   std::string text() const { return text_field(); }

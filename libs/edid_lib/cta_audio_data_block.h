@@ -25,6 +25,7 @@ class cta_audio_data_block_t final : public cta_data_block_t {
   explicit cta_audio_data_block_t(std::size_t descriptors = 0);
 
   uint8_t tag() const override { return own_tag; }
+  std::unique_ptr<cta_data_block_t> clone() const override { return std::make_unique<cta_audio_data_block_t>(*this); }
   void accept(visitor_t* visitor, bool forward) override;
 
   /// Number of whole descriptors.

@@ -23,6 +23,9 @@ class cta_data_block_t : public edid_block_t {
 
   virtual uint8_t tag() const { return first_byte_tag(); }
 
+  /// A block of the same class and bytes, whatever these would be read as by now. Every class has its own.
+  virtual std::unique_ptr<cta_data_block_t> clone() const { return std::make_unique<cta_data_block_t>(*this); }
+
   /// Whether there is a first byte, and it has this class's tag.
   bool valid() const override { return !data.empty() && tag() == first_byte_tag(); }
 
@@ -36,7 +39,7 @@ class cta_data_block_t : public edid_block_t {
 
   uint8_t first_byte_tag() const { return byte(0) >> 5; }
 
-  /// Makes the block at least `least` bytes long.
+  /// Makes the block at least `least` bytes long; nothing for a block without bytes, which has no tag either.
   void grow(std::size_t least);
 };
 

@@ -9,6 +9,7 @@ namespace edid_lib {
 namespace {
 
 constexpr std::size_t payload_at = 2;
+constexpr uint8_t metadata_at = 3;
 
 struct named_tag_t {
   uint8_t tag;
@@ -82,10 +83,10 @@ void cta_colorimetry_exdb_t::accept(visitor_t* visitor, bool forward) {
 
 bool cta_colorimetry_exdb_t::set_metadata(uint8_t bits) {
   constexpr uint8_t largest = 15;
-  if (bits > largest) {
+  if (bits > largest || size() <= metadata_at) {
     return false;
   }
-  set_byte(3, bits);
+  set_byte(metadata_at, bits);
   return true;
 }
 
@@ -109,6 +110,12 @@ std::span<const uint8_t> cta_ycc_420_video_exdb_t::vics() const {
   return bytes().subspan(std::min(payload_at, size()));
 }
 
+void cta_ycc_420_video_exdb_t::clear_vics() {
+  if (size() > payload_at) {
+    resize(payload_at);
+  }
+}
+
 bool cta_ycc_420_video_exdb_t::add(uint8_t vic) {
   if (size() < payload_at || size() >= largest_size) {
     return false;
@@ -130,7 +137,7 @@ bool cta_ycc_420_capability_exdb_t::contains(std::size_t entry) const {
 
 bool cta_ycc_420_capability_exdb_t::set(std::size_t entry, bool on) {
   const std::size_t at = payload_at + entry / 8;
-  if (at >= largest_size) {
+  if (size() < payload_at || at >= largest_size) {
     return false;
   }
   if (on) {

@@ -13,6 +13,9 @@ class cta_extended_data_block_t : public cta_data_block_t {
   using cta_data_block_t::cta_data_block_t;
 
   uint8_t tag() const override { return own_tag; }
+  std::unique_ptr<cta_data_block_t> clone() const override {
+    return std::make_unique<cta_extended_data_block_t>(*this);
+  }
   virtual uint8_t extended_tag() const { return byte(1); }
 
   /// Whether there is a second byte, and it has this class's extended tag.
@@ -48,6 +51,9 @@ class cta_video_capability_exdb_t final : public cta_extended_data_block_t {
   cta_video_capability_exdb_t() : cta_extended_data_block_t(own_extended_tag, 3) {}
 
   uint8_t extended_tag() const override { return own_extended_tag; }
+  std::unique_ptr<cta_data_block_t> clone() const override {
+    return std::make_unique<cta_video_capability_exdb_t>(*this);
+  }
   void accept(visitor_t* visitor, bool forward) override;
 
   bool quantization_ycc() const { return has_mask(2, 0x80); }
@@ -79,6 +85,7 @@ class cta_colorimetry_exdb_t final : public cta_extended_data_block_t {
   cta_colorimetry_exdb_t() : cta_extended_data_block_t(own_extended_tag, 4) {}
 
   uint8_t extended_tag() const override { return own_extended_tag; }
+  std::unique_ptr<cta_data_block_t> clone() const override { return std::make_unique<cta_colorimetry_exdb_t>(*this); }
   void accept(visitor_t* visitor, bool forward) override;
 
   /// Bits of the two bytes; 0 where the block does not have them, and they are not stored then.
@@ -86,7 +93,7 @@ class cta_colorimetry_exdb_t final : public cta_extended_data_block_t {
   void set_colorimetries(uint8_t bits) { set_byte(2, bits); }
   uint8_t metadata() const { return byte(3); }
 
-  /// False without change for a value above 15.
+  /// False without change for a value above 15, and for a block without that byte.
   bool set_metadata(uint8_t bits);
 
   bool bt_2020_rgb() const { return has_mask(2, 0x80); }
@@ -111,13 +118,14 @@ class cta_ycc_420_video_exdb_t final : public cta_extended_data_block_t {
   cta_ycc_420_video_exdb_t() : cta_extended_data_block_t(own_extended_tag, 2) {}
 
   uint8_t extended_tag() const override { return own_extended_tag; }
+  std::unique_ptr<cta_data_block_t> clone() const override { return std::make_unique<cta_ycc_420_video_exdb_t>(*this); }
   void accept(visitor_t* visitor, bool forward) override;
 
   /// They live as long as this block is not changed.
   std::span<const uint8_t> vics() const;
 
   /// Leaves no codes.
-  void clear_vics() { resize(2); }
+  void clear_vics();
 
   /// Appends a code. False without change if there is no room.
   bool add(uint8_t vic);
@@ -132,6 +140,9 @@ class cta_ycc_420_capability_exdb_t final : public cta_extended_data_block_t {
   cta_ycc_420_capability_exdb_t() : cta_extended_data_block_t(own_extended_tag, 2) {}
 
   uint8_t extended_tag() const override { return own_extended_tag; }
+  std::unique_ptr<cta_data_block_t> clone() const override {
+    return std::make_unique<cta_ycc_420_capability_exdb_t>(*this);
+  }
   void accept(visitor_t* visitor, bool forward) override;
 
   /// Whether the block has no bits of its own.
@@ -141,7 +152,7 @@ class cta_ycc_420_capability_exdb_t final : public cta_extended_data_block_t {
   bool contains(std::size_t entry) const;
 
   /// Sets or clears the bit of an entry; the block grows where a set bit needs it. False without change for an entry
-  /// that no block has room for.
+  /// that no block has room for, and for a block without extended tag.
   bool set(std::size_t entry, bool on);
 };
 

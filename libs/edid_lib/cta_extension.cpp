@@ -51,8 +51,9 @@ cta_extension_t::cta_extension_t(std::span<const uint8_t> extension_bytes)
 cta_extension_t::cta_extension_t(const cta_extension_t& other)
     : extension_block_t(other),
       detailed_block(other.detailed_block ? std::make_unique<det_timings_block_t>(*other.detailed_block) : nullptr) {
+  blocks.reserve(other.blocks.size());
   for (const auto& block : other.blocks) {
-    add_block(make_cta_data_block(block->bytes()));
+    blocks.push_back(block->clone());
   }
 }
 
@@ -144,7 +145,6 @@ det_timings_block_t& cta_extension_t::detailed() {
     const std::size_t offset = detailed_offset();
     detailed_block = std::make_unique<det_timings_block_t>(
         std::span<const uint8_t>(), static_cast<uint32_t>(offset + block_size), capacity_from(offset));
-    detailed_block->clear();
   }
   return *detailed_block;
 }

@@ -78,8 +78,9 @@ class cta_extension_t final : public extension_block_t {
   /// The detailed timings; null if there are none.
   const det_timings_block_t* detailed_timings() const { return detailed_block.get(); }
 
-  /// The detailed timings, made with the room behind the data blocks if there were none. Those have their offset in the
-  /// EDID, others the one in this block.
+  /// The detailed timings, made with the room behind `detailed_offset()` if there were none; that is the room behind
+  /// the data blocks only after `refresh_offset`. They are padding, so `clear` makes the room for modes. Those that are
+  /// made have their offset in the EDID, parsed ones the one in this block.
   det_timings_block_t& detailed();
 
   /// Sets the offset of the first detailed timing to what the data blocks tell of their lengths; without any to 4 if

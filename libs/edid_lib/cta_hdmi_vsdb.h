@@ -10,12 +10,14 @@ namespace edid_lib {
 /// The HDMI vendor block (HDMI 1.4b, section 8.3.2):
 ///
 ///     4    source physical address, big-endian
-///     6    bit 7 ACP, ISRC1 and ISRC2 packets; deep colour: bit 6 48 bit, 5 36 bit, 4 30 bit, 3 YCC 4:4:4; bit 0 dual
-///     DVI 7    greatest TMDS clock, in 5 MHz 8    bit 7 latencies, 6 interlaced latencies, 5 HDMI video 9    two
-///     latencies, two interlaced latencies, each pair if told of; then, if HDMI video is told of,
-///          3D flags, lengths of the lists of HDMI VICs (bits 5 to 7) and of 3D structures, and these
+///     6    bit 7 ACP, ISRC1 and ISRC2 packets; deep colour: 6 48 bit, 5 36 bit, 4 30 bit, 3 YCC 4:4:4; 0 dual DVI
+///     7    greatest TMDS clock, in 5 MHz
+///     8    bit 7 latencies, 6 interlaced latencies, 5 HDMI video
+///     9    latency of video and of sound, then both for interlaced video, each pair if byte 8 tells of it
+///     ..   if byte 8 tells of HDMI video: 3D flags; lengths of the lists of HDMI VICs (bits 5 to 7) and of 3D
+///          structures (bits 0 to 4); and the lists
 ///
-/// Setters make the block as long as they need it, unless they say otherwise.
+/// Setters make the block as long as they need it, unless they say otherwise; one without bytes stays without.
 class cta_hdmi_vsdb_t final : public cta_vendor_specific_data_block_t {
  public:
   static constexpr uint32_t own_ieee_id = 0x000C03;
@@ -25,6 +27,7 @@ class cta_hdmi_vsdb_t final : public cta_vendor_specific_data_block_t {
   /// A block of 6 bytes, with no physical address yet, 0xFFFF.
   cta_hdmi_vsdb_t();
 
+  std::unique_ptr<cta_data_block_t> clone() const override { return std::make_unique<cta_hdmi_vsdb_t>(*this); }
   bool valid() const override;
   std::string_view name() const override { return "CTA HDMI Vendor-Specific Data Block"; }
   void accept(visitor_t* visitor, bool forward) override;

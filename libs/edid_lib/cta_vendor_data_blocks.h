@@ -14,6 +14,9 @@ class cta_vendor_specific_data_block_t : public cta_data_block_t {
   explicit cta_vendor_specific_data_block_t(uint32_t id) : cta_vendor_specific_data_block_t(id, 4) {}
 
   uint8_t tag() const override { return own_tag; }
+  std::unique_ptr<cta_data_block_t> clone() const override {
+    return std::make_unique<cta_vendor_specific_data_block_t>(*this);
+  }
 
   /// False for a block too short for an id, which is kept all the same.
   bool valid() const override;
@@ -43,6 +46,8 @@ class cta_hdmi_forum_vsdb_t final : public cta_vendor_specific_data_block_t {
   /// A block of version 1 that tells nothing.
   cta_hdmi_forum_vsdb_t();
 
+  std::unique_ptr<cta_data_block_t> clone() const override { return std::make_unique<cta_hdmi_forum_vsdb_t>(*this); }
+
   /// False for another id or version.
   bool valid() const override;
   std::string_view name() const override { return "CTA HDMI Forum Vendor-Specific Data Block"; }
@@ -50,7 +55,8 @@ class cta_hdmi_forum_vsdb_t final : public cta_vendor_specific_data_block_t {
 
   uint8_t version() const { return byte(4); }
 
-  /// In MHz. Setting stores 0 below 340, which the HDMI vendor block can tell, and at most 1275; 0 is not stored.
+  /// In MHz. Setting stores 0 below 340, which the HDMI vendor block can tell, and at most 1275. To set it to 0 does
+  /// nothing.
   uint32_t max_tmds_rate() const { return byte(5) * 5U; }
   void set_max_tmds_rate(uint32_t megahertz);
 

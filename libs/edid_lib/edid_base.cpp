@@ -44,7 +44,7 @@ void put(std::vector<uint8_t>& whole, std::size_t at, std::size_t end, std::span
   }
 }
 
-/// Zeros for a timing would read as a descriptor that the manufacturer defines.
+/// Zeros would read as a descriptor that the manufacturer defines.
 void mark_unused_entries(std::vector<uint8_t>& whole) {
   for (std::size_t at = detailed_at; at < descriptors_end; at += entry_size) {
     const auto entry = std::span(whole).subspan(at, entry_size);
@@ -73,8 +73,9 @@ edid_base_t::edid_base_t(const edid_base_t& other)
       established_timings(other.established_timings),
       standard_timings(other.standard_timings),
       detailed_timings(other.detailed_timings) {
+  descriptor_list.reserve(other.descriptor_list.size());
   for (const auto& descriptor : other.descriptor_list) {
-    descriptor_list.push_back(make_base_descriptor(descriptor->offset(), descriptor->bytes()));
+    descriptor_list.push_back(descriptor->clone());
   }
 }
 

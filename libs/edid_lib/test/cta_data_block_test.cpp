@@ -115,4 +115,27 @@ TEST(CtaDataBlock, ALengthOfMoreThan31IsNotTold) {
   EXPECT_EQ(block.size(), 0U);
 }
 
+TEST(CtaDataBlock, AClonedBlockHasItsClassAndBytesWhateverTheseMeanByNow) {
+  std::vector<std::unique_ptr<cta_data_block_t>> blocks;
+  for (const uint8_t tag : {uint8_t{1}, uint8_t{2}, uint8_t{3}, uint8_t{4}}) {
+    blocks.push_back(make(tag, {1, 2, 3}));
+  }
+  blocks.push_back(make(3, {0x03, 0x0C, 0x00, 0x10, 0x00}));
+  blocks.push_back(make(3, {0xD8, 0x5D, 0xC4, 1}));
+  for (const uint8_t tag : std::initializer_list<uint8_t>{0, 5, 6, 14, 15}) {
+    blocks.push_back(make(7, {tag, 0}));
+  }
+  for (const auto& block : blocks) {
+    block->or_mask(0, 0xE0);
+    block->or_mask(1, 0x40);
+    const auto clone = block->clone();
+    const cta_data_block_t& source = *block;
+    const cta_data_block_t& cloned = *clone;
+    EXPECT_EQ(typeid(cloned), typeid(source));
+    EXPECT_EQ(std::vector<uint8_t>(cloned.bytes().begin(), cloned.bytes().end()),
+              std::vector<uint8_t>(source.bytes().begin(), source.bytes().end()));
+    EXPECT_EQ(cloned.valid(), source.valid());
+  }
+}
+
 TEST(CtaDataBlock, NoBytesGiveNoBlock) { EXPECT_EQ(make_cta_data_block({}), nullptr); }

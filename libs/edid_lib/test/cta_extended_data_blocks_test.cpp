@@ -125,10 +125,18 @@ TEST(CtaExtendedDataBlocks, ColorimetryMetadataIsAtMost15) {
 TEST(CtaExtendedDataBlocks, AShortColorimetryTellsNothing) {
   auto block = without_payload<cta_colorimetry_exdb_t>();
   block.set_colorimetries(0xFF);
-  block.set_metadata(1);
+  EXPECT_FALSE(block.set_metadata(1));
   EXPECT_EQ(block.size(), 2U);
   EXPECT_EQ(block.colorimetries(), 0);
   EXPECT_EQ(block.metadata(), 0);
+}
+
+TEST(CtaExtendedDataBlocks, ColorimetryOfThreeBytesTakesNoMetadata) {
+  cta_colorimetry_exdb_t block(data_block(7, {5, 0x81}));
+  EXPECT_FALSE(block.set_metadata(0));
+  block.set_colorimetries(0x01);
+  EXPECT_EQ(block.colorimetries(), 0x01);
+  EXPECT_EQ(block.size(), 3U);
 }
 
 TEST(CtaExtendedDataBlocks, Ycc420VideoIsAListOfCodes) {
@@ -150,6 +158,8 @@ TEST(CtaExtendedDataBlocks, Ycc420VideoHasRoomForThirtyCodes) {
   EXPECT_FALSE(block.add(31));
   block.reset();
   EXPECT_FALSE(block.add(1));
+  block.clear_vics();
+  EXPECT_EQ(block.size(), 0U);
   EXPECT_TRUE(block.vics().empty());
 }
 
@@ -176,4 +186,14 @@ TEST(CtaExtendedDataBlocks, Ycc420CapabilityHasRoomFor240Bits) {
   EXPECT_EQ(block.size(), 32U);
   EXPECT_FALSE(block.set(240, true));
   EXPECT_FALSE(block.contains(240));
+}
+
+TEST(CtaExtendedDataBlocks, Ycc420CapabilityWithoutExtendedTagTakesNoBit) {
+  cta_ycc_420_capability_exdb_t block(data_block(7, {}));
+  EXPECT_FALSE(block.set(0, true));
+  EXPECT_FALSE(block.set(0, false));
+  EXPECT_EQ(block.size(), 1U);
+  block.reset();
+  EXPECT_FALSE(block.set(0, true));
+  EXPECT_EQ(block.size(), 0U);
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <typeinfo>
+
 #include "recording_visitor.h"
 #include "test_support/edid_builder.h"
 
@@ -120,6 +122,16 @@ TEST(CtaExtension, ABlockThatRunsOverTheEndIsReadToTheEnd) {
   EXPECT_EQ(sizes, (std::vector<std::size_t>{32, 32, 32, 28}));
 }
 
+TEST(CtaExtension, AnotherTagOrRevisionMakesItInvalid) {
+  cta_extension_t block(extension(4, {}));
+  block.or_mask(0, 0x40);
+  EXPECT_FALSE(block.valid());
+  block.and_mask(0, 0x02);
+  EXPECT_TRUE(block.valid());
+  block.or_mask(1, 0x04);
+  EXPECT_FALSE(block.valid());
+}
+
 TEST(CtaExtension, AnInvalidDataBlockMakesItInvalid) {
   EXPECT_TRUE(cta_extension_t(extension(9, data_block(3, {0xD8, 0x5D, 0xC4, 1}))).valid());
   EXPECT_FALSE(cta_extension_t(extension(9, data_block(3, {0xD8, 0x5D, 0xC4, 2}))).valid());
@@ -184,6 +196,9 @@ TEST(CtaExtension, DetailedTimingsThatAreMadeHaveTheirOffsetInTheEdid) {
   ASSERT_EQ(block.detailed_timings(), nullptr);
   EXPECT_EQ(block.detailed().offset(), 148U);
   EXPECT_EQ(block.detailed().capacity(), 5U);
+  EXPECT_EQ(block.detailed().byte(0), 1);
+  EXPECT_FALSE(block.detailed().add(edid_lib::vid_resolution_t("1920x1080@60"))) << "padding is in use";
+  block.detailed().clear();
   EXPECT_TRUE(block.detailed().add(edid_lib::vid_resolution_t("1920x1080@60")));
   cta_extension_t full(extension(255, {}));
   EXPECT_EQ(full.detailed().capacity(), 0U);
@@ -220,6 +235,8 @@ TEST(CtaExtension, PutTogetherHasTheBlocksThatWereAdded) {
   auto video = std::make_unique<edid_lib::cta_video_data_block_t>();
   video->add(edid_lib::vid_resolution_t("1920x1080@60"));
   block.add_block(std::move(video));
+  block.refresh_offset();
+  block.detailed().clear();
   block.detailed().add(edid_lib::vid_resolution_t("1280x720@60"));
   block.set_native_count(1);
   const auto whole = block.assemble();
@@ -235,6 +252,7 @@ TEST(CtaExtension, PutTogetherHasTheBlocksThatWereAdded) {
 TEST(CtaExtension, PutTogetherEmptyHasOffset0AndWithDetailedTimingsAlone4) {
   cta_extension_t block;
   EXPECT_EQ(block.assemble()[2], 0);
+  block.detailed().clear();
   block.detailed().add(edid_lib::vid_resolution_t("1280x720@60"));
   EXPECT_EQ(block.assemble()[2], 4);
   EXPECT_EQ(cta_extension_t(block.assemble()).detailed_timings()->modes().size(), 1U);
@@ -242,6 +260,7 @@ TEST(CtaExtension, PutTogetherEmptyHasOffset0AndWithDetailedTimingsAlone4) {
 
 TEST(CtaExtension, WhatDoesNotFitIsLeftOut) {
   cta_extension_t block;
+  block.detailed().clear();
   for (int i = 0; i < 6; ++i) {
     block.detailed().add(edid_lib::vid_resolution_t("1280x720@60"));
   }
@@ -268,7 +287,7 @@ TEST(CtaExtension, ABlockThatWasCutTellsItsLengthWhenPutTogether) {
 
 TEST(CtaExtension, CopiesHaveBlocksOfTheirOwn) {
   cta_extension_t block(extension(24, data_block(2, {16})));
-  block.detailed();
+  block.detailed().clear();
   cta_extension_t copy(block);
   copy.find_block(2)->clear();
   copy.detailed().add(edid_lib::vid_resolution_t("1280x720@60"));
@@ -276,6 +295,36 @@ TEST(CtaExtension, CopiesHaveBlocksOfTheirOwn) {
   EXPECT_TRUE(block.detailed_timings()->modes().empty());
   block = copy;
   EXPECT_EQ(block.find_block(2)->size(), 1U);
+}
+
+TEST(CtaExtension, ACopyKeepsABlockThatHasLostItsBytes) {
+  cta_extension_t block;
+  block.add_block(std::make_unique<edid_lib::cta_hdmi_vsdb_t>());
+  block.add_block(std::make_unique<edid_lib::cta_video_data_block_t>());
+  block.find_block(2)->reset();
+  const cta_extension_t copy(block);
+  ASSERT_EQ(copy.data_blocks().size(), 2U);
+  EXPECT_FALSE(copy.valid());
+  EXPECT_EQ(copy.find_block(2), copy.data_blocks()[1].get());
+}
+
+TEST(CtaExtension, ACopyOfABlockOfAnotherIdOrTagStaysInvalid) {
+  cta_extension_t block;
+  auto hdmi = std::make_unique<edid_lib::cta_hdmi_vsdb_t>();
+  hdmi->set_ieee_id(0x123456);
+  block.add_block(std::move(hdmi));
+  auto unknown = std::make_unique<edid_lib::cta_colorimetry_exdb_t>();
+  unknown->or_mask(1, 0x40);
+  block.add_block(std::move(unknown));
+  const cta_extension_t copy(block);
+  EXPECT_FALSE(copy.valid());
+  ASSERT_EQ(copy.data_blocks().size(), 2U);
+  for (std::size_t i = 0; i < 2; ++i) {
+    const auto& source = *block.data_blocks()[i];
+    const auto& copied = *copy.data_blocks()[i];
+    EXPECT_EQ(typeid(copied), typeid(source));
+    EXPECT_FALSE(copied.valid());
+  }
 }
 
 TEST(CtaExtension, AResetForgetsEverything) {

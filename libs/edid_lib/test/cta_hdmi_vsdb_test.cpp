@@ -41,7 +41,15 @@ using keys_t = std::vector<std::string>;
 TEST(CtaHdmiVsdb, HdmiVicsGiveTheirModes) {
   EXPECT_EQ(keys_of(hdmi(video, {0x00, 4 << 5, 1, 2, 3, 4})),
             (keys_t{"3840x2160@30", "3840x2160@25", "3840x2160@24", "4096x2160@24"}));
-  EXPECT_EQ(hdmi(video, {0x00, 1 << 5, 1}).modes().at(0).location, edid_lib::timing_location_t::cta_hdmi_vsdb);
+}
+
+TEST(CtaHdmiVsdb, ModesTellThatTheyAreOfHdmiAndComeFromThisBlock) {
+  const auto modes = hdmi(video, {0x00, 4 << 5, 1, 2, 3, 4}).modes();
+  ASSERT_EQ(modes.size(), 4U);
+  for (const vid_resolution_t& mode : modes) {
+    EXPECT_EQ(mode.type, edid_lib::timing_type_t::hdmi);
+    EXPECT_EQ(mode.location, edid_lib::timing_location_t::cta_hdmi_vsdb);
+  }
 }
 
 TEST(CtaHdmiVsdb, UnknownHdmiVicsGiveNothing) {
@@ -144,6 +152,17 @@ TEST(CtaHdmiVsdb, GreatestTmdsClockIsInStepsOf5) {
   EXPECT_EQ(block.max_tmds_mhz(), 300U);
   block.set_max_tmds_mhz(5000);
   EXPECT_EQ(block.max_tmds_mhz(), 1275U);
+}
+
+TEST(CtaHdmiVsdb, WithoutBytesItTakesNothing) {
+  cta_hdmi_vsdb_t block;
+  block.reset();
+  block.set_supports_ai(true);
+  block.set_dvi_dual(true);
+  block.set_max_tmds_mhz(300);
+  block.set_physical_address(0x1000);
+  EXPECT_EQ(block.size(), 0U);
+  EXPECT_EQ(block.max_tmds_mhz(), 0U);
 }
 
 TEST(CtaHdmiVsdb, WhatIsToldOfAreThreeBits) {

@@ -116,6 +116,16 @@ TEST(CtaVideoDataBlock, ClearLeavesNoCodes) {
   EXPECT_TRUE(block.modes().empty());
 }
 
+TEST(CtaVideoDataBlock, WithoutBytesItHasNoTagAndTakesNoCode) {
+  cta_video_data_block_t block(data_block(2, {16, 31}));
+  block.reset();
+  EXPECT_FALSE(block.has_room());
+  EXPECT_FALSE(block.add(vid_resolution_t("1920x1080@60")));
+  block.clear();
+  EXPECT_EQ(block.size(), 0U);
+  EXPECT_FALSE(block.valid());
+}
+
 TEST(CtaVideoDataBlock, TellsWhereAModeStandsAndWhetherItIsNative) {
   const cta_video_data_block_t block(data_block(2, {31, 0x90, 97, 193}));
   const auto full_hd = block.contains(vid_resolution_t("1920x1080@60"));

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <typeinfo>
+
 #include "edid_lib/visitor_modes.h"
 #include "test_support/edid_builder.h"
 
@@ -102,12 +104,16 @@ TEST(EdidBase, ColorTypeIsReadByVersion) {
   EXPECT_EQ(color_type(1, 4, 0x08), 3);
   EXPECT_EQ(color_type(1, 4, 0x18), 5);
   EXPECT_EQ(color_type(2, 3, 0x10), 4);
+  EXPECT_EQ(color_type(1, 2, 0x00), 1);
+  EXPECT_EQ(color_type(1, 2, 0x08), 3);
+  EXPECT_EQ(color_type(1, 2, 0x10), 4);
+  EXPECT_EQ(color_type(1, 2, 0x18), 5);
 }
 
 TEST(EdidBase, ColorTypeIsWrittenByVersion) {
   const uint8_t of_1_3[] = {0, 8, 16, 8, 8, 8, 8, 8};
   const uint8_t of_1_4[] = {0, 0, 0, 8, 16, 24, 0, 0};
-  const uint8_t of_2_3[] = {0, 0, 0, 8, 0, 0, 0, 0};
+  const uint8_t of_others[] = {0, 0, 0, 8, 0, 0, 0, 0};
   for (uint8_t type = 0; type < 8; ++type) {
     edid_base_t base = with_version(1, 3);
     base.set_color_type(type);
@@ -115,9 +121,10 @@ TEST(EdidBase, ColorTypeIsWrittenByVersion) {
     base = with_version(1, 4);
     base.set_color_type(type);
     EXPECT_EQ(base.byte(24) & 0x18, of_1_4[type]) << int{type};
-    base = with_version(2, 3);
-    base.set_color_type(type);
-    EXPECT_EQ(base.byte(24) & 0x18, of_2_3[type]) << int{type};
+    for (edid_base_t other : {with_version(2, 3), with_version(2, 4), with_version(1, 2)}) {
+      other.set_color_type(type);
+      EXPECT_EQ(other.byte(24) & 0x18, of_others[type]) << int{type};
+    }
   }
 }
 
@@ -134,6 +141,21 @@ TEST(EdidBase, ExtensionCountStaysAsItIs) { EXPECT_EQ(parse(edid_builder_t().byt
 TEST(EdidBase, IsValidExactlyWith640x480At60) {
   EXPECT_TRUE(parse(edid_builder_t()).valid());
   EXPECT_FALSE(parse(edid_builder_t().byte(35, 0xDF)).valid());
+}
+
+TEST(EdidBase, ATextThatHasLostItsTagMakesItInvalid) {
+  for (const uint8_t tag : {uint8_t{0xFC}, uint8_t{0xFE}, uint8_t{0xFF}}) {
+    const edid_base_t base = parse(edid_builder_t().descriptor(72, tag, "TEXT"));
+    EXPECT_TRUE(base.valid());
+    base.descriptors()[0]->and_mask(3, 0);
+    EXPECT_FALSE(base.valid()) << int{tag};
+  }
+}
+
+TEST(EdidBase, ADescriptorThatIsNoTextIsAlwaysValid) {
+  const edid_base_t base = parse(edid_builder_t().descriptor(72, 0xFD, ""));
+  base.descriptors()[0]->and_mask(3, 0);
+  EXPECT_TRUE(base.valid());
 }
 
 TEST(EdidBase, WithOneDetailedTimingThreeDescriptorsFollow) {
@@ -239,4 +261,20 @@ TEST(EdidBase, CopiesHaveBlocksOfTheirOwn) {
   EXPECT_EQ(dynamic_cast<monitor_name_base_block_t&>(*base.descriptors()[0]).text(), "NAME");
   base = copy;
   EXPECT_EQ(base.standard().count(), 1U);
+}
+
+TEST(EdidBase, ACopyOfATextThatHasLostItsTagIsOneToo) {
+  const edid_base_t base = parse(edid_builder_t().descriptor(72, 0xFC, "NAME").descriptor(90, 0xFF, "17"));
+  base.descriptors()[0]->and_mask(3, 0);
+  base.descriptors()[1]->reset();
+  const edid_base_t copy(base);
+  EXPECT_FALSE(copy.valid());
+  ASSERT_EQ(copy.descriptors().size(), 3U);
+  for (std::size_t i = 0; i < 3; ++i) {
+    const auto& source = *base.descriptors()[i];
+    const auto& copied = *copy.descriptors()[i];
+    EXPECT_EQ(typeid(copied), typeid(source));
+    EXPECT_EQ(copied.offset(), source.offset());
+    EXPECT_EQ(copied.size(), source.size());
+  }
 }
