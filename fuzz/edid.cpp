@@ -1,26 +1,24 @@
-// The bytes of an EDID: parsing with its repairs, the walk, the list of modes and the filter chain.
+// The bytes of an EDID, and behind its two blocks the bytes that choose what is set: parsing with its repairs, the
+// walk, the list of modes and its texts, the filter chain, and all that reads or writes a block.
 #include "edid_lib/edid.h"
 
 #include <algorithm>
-#include <iterator>
-#include <tuple>
+#include <utility>
 
-#include "edid_lib/tarn_filter_resolution.h"
 #include "edid_lib/test/recording_visitor.h"
-#include "edid_lib/timing_lookup.h"
-#include "edid_lib/visitor_modes.h"
+#include "fuzz/edid/support.h"
 #include "fuzz/target.h"
 
 namespace {
 
 using edid_lib::edid_t;
 using edid_lib::vid_resolution_t;
+using fuzz::input_t;
 using fuzz::require;
-using modes_t = std::vector<vid_resolution_t>;
-
-bool same_bytes(std::span<const uint8_t> a, std::span<const uint8_t> b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end());
-}
+using fuzz::edid::are_same;
+using fuzz::edid::modes_of;
+using fuzz::edid::modes_t;
+using fuzz::edid::same_bytes;
 
 void check_base(const edid_lib::edid_base_t& base) {
   constexpr uint8_t header[] = {0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00};
@@ -57,35 +55,6 @@ void check_walk(edid_t& edid) {
   require(visitor.forward_names == visitor.backward_names, "both passes show the same blocks");
 }
 
-/// All that tells two modes apart, without their texts, which would take most of the time.
-bool is_same(const vid_resolution_t& a, const vid_resolution_t& b) {
-  const auto told = [](const vid_resolution_t& mode) {
-    return std::tie(mode.width, mode.height, mode.fps, mode.pixel_aspect_x, mode.pixel_aspect_y, mode.reduced_blanking,
-                    mode.interlaced, mode.preferred, mode.timing, mode.type, mode.location);
-  };
-  return told(a) == told(b);
-}
-
-bool are_same(const modes_t& a, const modes_t& b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), is_same);
-}
-
-modes_t modes_of(edid_t& edid) {
-  edid_lib::visitor_modes_t visitor;
-  visitor.read(&edid);
-  return visitor.take_modes();
-}
-
-void check_mode(const vid_resolution_t& mode) {
-  require(mode.width > 0 && mode.height > 0, "a mode has a size");
-  require(mode.location != edid_lib::timing_location_t::undefined, "a mode tells where it was found");
-  const vid_resolution_t parsed(mode.key());
-  require(parsed == mode && parsed.interlaced == mode.interlaced, "the text of a mode parses as that mode");
-  if (mode.timing.known()) {
-    require(edid_lib::resolve_timing(mode).timing == mode.timing, "a mode's own timing comes first");
-  }
-}
-
 /// A list is in an order that does not depend on which mode is asked first.
 void check_order(const modes_t& modes) {
   for (std::size_t i = 1; i < modes.size(); ++i) {
@@ -96,42 +65,54 @@ void check_order(const modes_t& modes) {
   }
 }
 
-/// The edges of a mode that the appliance can show, as the chain has them.
-void check_accepted(const edid_lib::tarn_filter_resolution_t& filter, const vid_resolution_t& mode) {
-  require(filter.allow_interlaced || !mode.interlaced, "no interlaced mode passes where none is allowed");
-  require(mode <= filter.max_resolution && mode >= filter.min_resolution, "no mode passes the limits");
-  require(mode.nominal_fps() > 23.4F && mode.nominal_fps() < 60.6F, "no rate passes the limits");
-  if (filter.direction == edid_lib::filter_direction_t::output) {
-    const auto clock = mode.timing.pixel_clock_khz;
-    require(clock >= 25'000 && clock <= 600'000, "no pixel clock passes the limits");
-  }
+/// Changing a copy changes nothing else.
+void check_copies(edid_t& edid, const modes_t& modes) {
+  edid_t copy = edid;
+  require(are_same(modes_of(copy), modes) && copy.valid() == edid.valid(), "a copy is the same EDID");
+  require(same_bytes(copy.bytes(), edid.bytes()) && copy.assemble() == edid.assemble(), "of the same bytes");
+  edid_t other;
+  other = copy;
+  copy.base()->detailed().clear();
+  copy.base()->reset();
+  const bool had_extension = edid.cta() != nullptr;
+  require(copy.ensure_cta() == copy.cta(), "an extension is made where there is none");
+  require(had_extension || copy.base()->extension_count() == 1, "and counted");
+  copy.cta()->reset();
+  require(are_same(modes_of(edid), modes) && are_same(modes_of(other), modes), "copies are independent");
+  copy = std::move(other);
+  require(are_same(modes_of(copy), modes), "what is moved is the same EDID");
+  copy.reset();
+  require(copy.base() == nullptr && copy.cta() == nullptr && !copy.valid(), "a reset EDID is none");
 }
 
-/// What the filter leaves is the list without what it refuses.
-void check_filter(edid_t& edid, const modes_t& modes, const edid_lib::tarn_filter_resolution_t& filter) {
-  modes_t expected;
-  std::copy_if(modes.begin(), modes.end(), std::back_inserter(expected),
-               [&](const vid_resolution_t& mode) { return filter.accepts(mode); });
-  const modes_t usable = filter.modes(edid);
-  require(are_same(usable, expected), "the usable modes are those that are accepted, in their order");
-  for (const vid_resolution_t& mode : usable) {
-    check_accepted(filter, mode);
-  }
+/// Sets what can be set, as the bytes behind the two blocks choose, which are no part of the EDID; in inputs without
+/// them, as the EDID's own do.
+void check_setters(const edid_t& edid, input_t& input) {
+  const edid_lib::edid_base_t& base = *edid.base();
+  fuzz::edid::check_base_fields(base, input);
+  fuzz::edid::check_descriptors(base, input);
+  fuzz::edid::check_established(base.established(), input);
+  fuzz::edid::check_standard(base.standard(), input);
+  fuzz::edid::check_detailed(base.detailed(), input);
+  fuzz::edid::check_building(input);
+  const edid_lib::cta_extension_t empty;
+  fuzz::edid::check_extension_fields(edid.cta() != nullptr ? *edid.cta() : empty, input);
 }
 
-edid_lib::tarn_filter_resolution_t filter_for(edid_lib::filter_direction_t direction) {
-  edid_lib::tarn_filter_resolution_t filter;
-  filter.direction = direction;
-  filter.allow_interlaced = direction == edid_lib::filter_direction_t::neither;
-  filter.max_resolution = vid_resolution_t("3840x2160@60");
-  filter.min_resolution = vid_resolution_t("640x480@59.94");
-  filter.unsupported = {vid_resolution_t("1280x720@50")};
-  return filter;
+void check_modes(const modes_t& modes) {
+  check_order(modes);
+  for (const vid_resolution_t& mode : modes) {
+    fuzz::edid::check_mode_texts(mode);
+    if (mode.location == edid_lib::timing_location_t::detailed_timing_descriptor) {
+      fuzz::edid::check_entry(mode);
+    }
+  }
 }
 
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
+  [[maybe_unused]] static const bool once = (fuzz::edid::check_constants(), true);
   edid_t edid(std::vector<uint8_t>(data, data + size));
   require(edid.base() != nullptr, "any bytes make a base block");
   check_base(*edid.base());
@@ -142,12 +123,16 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   }
   check_walk(edid);
 
+  constexpr std::size_t edid_size = 256;
+  fuzz::input_t input =
+      size > edid_size ? fuzz::input_t(data + edid_size, size - edid_size) : fuzz::input_t(data, size);
   const modes_t modes = modes_of(edid);
-  edid_t copy = edid;
-  require(are_same(modes_of(copy), modes) && copy.valid() == edid.valid(), "a copy is the same EDID");
-  std::for_each(modes.begin(), modes.end(), check_mode);
-  check_order(modes);
-  // One direction for each input, because the lists are what takes the time.
-  check_filter(edid, modes, filter_for(static_cast<edid_lib::filter_direction_t>(size % 3)));
+  check_modes(modes);
+  check_copies(edid, modes);
+  fuzz::edid::check_written(edid);
+  fuzz::edid::check_filter(edid, modes, input);
+  check_setters(edid, input);
+  fuzz::edid::check_mode_list(modes, input);
+  fuzz::edid::check_colors(modes, input);
   return 0;
 }

@@ -1,0 +1,82 @@
+#include "edid_lib/timing_lookup.h"
+#include "fuzz/edid/support.h"
+
+namespace fuzz::edid {
+namespace {
+
+using edid_lib::timing_type_t;
+
+}  // namespace
+
+void check_established(edid_lib::est_timings_block_t block, input_t& input) {
+  const vid_resolution_t mode = take_mode(input);
+  const bool known = edid_lib::is_established(mode);
+  require(known || !block.contains(mode), "a mode without a bit is not there");
+  const auto before = block.modes().size() - (block.contains(mode) ? 1 : 0);
+  block.set(mode, true);
+  require(block.contains(mode) == known, "a mode with a bit is set");
+  require(block.modes().size() == before + (known ? 1 : 0), "and no other by it");
+  block.set(mode, false);
+  require(!block.contains(mode) && block.modes().size() == before, "and cleared");
+  require(block.valid() == block.contains(edid_lib::est_timings_block_t::required_mode()), "one mode is required");
+}
+
+void check_standard(edid_lib::std_timings_block_t block, input_t& input) {
+  require(block.size() == 16 && block.count() <= 8, "there are eight codes");
+  require(block.modes(3, true).size() <= block.count(), "a code means at most one mode");
+  for (int i = 0; i < 4; ++i) {
+    const vid_resolution_t mode = take_mode(input);
+    const std::size_t before = block.count();
+    const bool was_there = block.contains(mode);
+    const bool added = block.add(mode);
+    require(block.count() <= before + (added && !was_there ? 1 : 0), "one code is added to those in use");
+    const float rate = mode.nominal_fps();
+    const bool has_code = mode.type == timing_type_t::dmt && mode.width % 8 == 0 && rate >= 60 && rate <= 120;
+    const bool is_there = block.contains(mode);
+    require(!added || !has_code || is_there, "what was added is there");
+    require(block.remove(mode) == is_there, "what is there is removed");
+    require(!block.contains(mode), "what was removed is not there");
+  }
+  block.clear();
+  require(block.count() == 0 && block.modes(3, false).empty(), "a block that is cleared has no codes in use");
+}
+
+void check_detailed(edid_lib::det_timings_block_t block, input_t& input) {
+  require(block.size() == block.capacity() * edid_lib::detailed_entry_size, "a block has room for its entries");
+  const uint32_t entries = input.take_byte() % 6;
+  block.set_capacity(entries);
+  block.clear();
+  require(block.count() == 0 && block.modes().empty(), "a block that is cleared has no timings");
+  for (uint32_t i = 0; i <= entries; ++i) {
+    const vid_resolution_t mode = take_mode(input);
+    const auto entry = encode_detailed_entry(mode);
+    const std::size_t at = block.count();
+    const bool added = block.add(mode);
+    require(added == (entry.has_value() && at < entries), "a mode with a timing is added where there is room");
+    require(!added || same_bytes(block.on_get(at), *entry), "as its entry");
+    require(block.count() == at + (added && edid_lib::has_clock(*entry) ? 1 : 0), "and counts by its clock");
+  }
+  require(block.on_get(entries).empty(), "there is no entry behind the last");
+  require(block.modes().size() <= block.count(), "modes have clocks");
+}
+
+bool fits_entry(const vid_resolution_t& mode) {
+  const auto& timing = mode.timing;
+  return timing.v_sync_start - timing.v_active < 64 && timing.v_sync_end - timing.v_sync_start < 64 &&
+         timing.v_total - timing.v_active < 4096;
+}
+
+void check_entry(const vid_resolution_t& mode) {
+  const auto entry = encode_detailed_entry(mode);
+  require(entry.has_value(), "a mode of an entry has an entry");
+  const auto again = edid_lib::decode_detailed_entry(*entry);
+  if (!fits_entry(mode)) {
+    return;
+  }
+  require(again.has_value() && again->timing == mode.timing && again->fps == mode.fps, "the timing comes back");
+  require(again->type == mode.type && again->location == mode.location, "with its type");
+  require(again->h_image_mm == mode.h_image_mm && again->v_image_mm == mode.v_image_mm, "the image size comes back");
+  require(again->h_border == mode.h_border && again->v_border == mode.h_border, "one border is written twice");
+}
+
+}  // namespace fuzz::edid
