@@ -156,7 +156,8 @@ TEST(TableReport, HasNumberAndTimingOfARowButNoNumberForDmt) {
                               "timing": [148500, 1280, 1720, 1760, 1980, 720, 725, 730, 750, 5]})"));
   EXPECT_EQ(table_report("established")["rows"][0]["number"], 11);
   EXPECT_EQ(table_report("hdmi")["rows"][0]["number"], 3);
-  for (const json_t& row : table_report("dmt")["rows"]) {
+  const json_t dmt = table_report("dmt");
+  for (const json_t& row : dmt["rows"]) {
     EXPECT_TRUE(row.at("number").is_null());
   }
 }
