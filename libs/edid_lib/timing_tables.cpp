@@ -114,4 +114,17 @@ const timing_table_t& hdmi_timings() {
   return table;
 }
 
+namespace {
+
+/// No look-up shall be the one that has to build its table.
+[[maybe_unused]] const bool built_at_start = [] {
+  established_timings();
+  dmt_timings();
+  cta_timings();
+  hdmi_timings();
+  return true;
+}();
+
+}  // namespace
+
 }  // namespace edid_lib

@@ -16,7 +16,8 @@ struct timing_row_t {
   vid_timing_t timing;
 };
 
-/// A timing table with the orders it is asked in. Never changes, so any thread may read it.
+/// A timing table with the orders it is asked in. Those below are built before `main`, or sooner, at their first use,
+/// and never change, so any thread may read them.
 class timing_table_t {
  public:
   /// `table_rows` live as long as the table and are numbered one by one from the first.
