@@ -1,6 +1,7 @@
 #include "tools/vgnctl/edid/edid_commands.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -26,8 +27,8 @@ using edid_lib::edid_t;
 constexpr const char* group_footer = R"(FILE is an EDID of any length in raw bytes, or in hex text: at least 256 hex
 digits with nothing but white space between them, or what edid-decode has
 printed, with its block "edid-decode (hex):". --raw takes hex text for bytes,
-too. "-" is standard input. Bytes that are wrong are repaired as the daemon
-does it, so any file gives an answer.
+too. "-" is standard input, which can be read once. Bytes that are wrong are
+repaired as the daemon does it, so any file gives an answer.
 
 The chain is what the daemon asks of a mode before it uses it for an output.
 Modes are texts such as 1920x1080@60, 1920x1080i@60, "720x480@59.94 8:9" or
@@ -68,7 +69,8 @@ constexpr const char* info_footer = R"(Examples:
 
 constexpr const char* rewrite_footer = R"(The EDID gets only the modes that pass the chain, 640x480@60 if none does, and
 the checksums are right. It goes to OUT as raw bytes, "-o -" sends these to
-standard output; without -o or --json it is printed as hex text.
+standard output, unless --json wants that; without -o or --json it is printed
+as hex text.
 
 Examples:
   vgnctl edid rewrite display.bin -o filtered.bin
@@ -153,6 +155,12 @@ void check(const arguments_t& arguments) {
   filter_of(arguments.filter);
   if (!arguments.out.empty() && arguments.files.size() > 1) {
     throw CLI::ValidationError("--output", "there is more than one FILE");
+  }
+  if (arguments.json && arguments.out == "-") {
+    throw CLI::ValidationError("--output", "standard output is for the value of --json");
+  }
+  if (std::count(arguments.files.begin(), arguments.files.end(), "-") > 1) {
+    throw CLI::ValidationError("FILE", "\"-\" is there more than once");
   }
 }
 

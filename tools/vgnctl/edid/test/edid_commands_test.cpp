@@ -284,6 +284,10 @@ TEST_F(EdidCommands, BadUsageIsStatusTwoWithoutOutput) {
                                 "modes --usable --direction 3 /tmp/tv",
                                 "modes --usable --direction out /tmp/tv",
                                 "rewrite /tmp/tv /tmp/monitor -o /tmp/filtered",
+                                "rewrite --json -o - /tmp/tv",
+                                "rewrite /tmp/tv -o - --json",
+                                "info - -",
+                                "modes - /tmp/tv -",
                                 "mode 1x1@60 2x2@60",
                                 "show /tmp/tv"}) {
     const auto outcome = run("edid " + std::string(arguments));
@@ -292,6 +296,12 @@ TEST_F(EdidCommands, BadUsageIsStatusTwoWithoutOutput) {
     EXPECT_THAT(outcome.error, AllOf(StartsWith("vgnctl: "), HasSubstr("\nSee vgnctl edid"), EndsWith(" --help\n")))
         << arguments;
   }
+}
+
+TEST_F(EdidCommands, TellWhatTheStandardStreamsCannotDoAtOnce) {
+  EXPECT_THAT(run("edid rewrite --json -o - /tmp/tv").error,
+              StartsWith("vgnctl: --output: standard output is for the value of --json\n"));
+  EXPECT_THAT(run("edid report - -").error, StartsWith("vgnctl: FILE: \"-\" is there more than once\n"));
 }
 
 TEST_F(EdidCommands, NameTheOptionWhoseModeIsNone) {
