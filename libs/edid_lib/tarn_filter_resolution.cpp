@@ -1,8 +1,8 @@
 #include "edid_lib/tarn_filter_resolution.h"
 
 #include <algorithm>
-
 #include <iterator>
+#include <memory>
 #include <utility>
 
 #include "edid_lib/default_modes.h"

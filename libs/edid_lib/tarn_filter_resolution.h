@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -28,15 +29,18 @@ enum class refusal_reason_t : uint32_t {
 };
 
 /// Which modes the appliance can use: the configuration of a chain of filters. A mode passes if every filter accepts
-/// it. Nominal rates outside 23.5 to 60.5 never pass.
+/// it. Nominal rates outside 23.5 to 60.5 never pass. Without limits next to nothing does: as these are made, both are
+/// modes of no size.
 struct tarn_filter_resolution_t {
   bool allow_interlaced = false;
   bool allow_non_square = false;
   vid_resolution_t max_resolution;
   vid_resolution_t min_resolution;
-  std::vector<vid_resolution_t> unsupported;  ///< Refused on the output side.
+  /// Refused on the output side, whatever else than width, height and nominal rate tells a mode from one of these.
+  std::vector<vid_resolution_t> unsupported;
   filter_direction_t direction = filter_direction_t::neither;
 
+  /// Builds the chain for this one mode, as `refused_by` does; for many modes there is `filter`.
   bool accepts(const vid_resolution_t& mode) const { return refused_by(mode).empty(); }
 
   /// The name of the first filter of the chain that refuses `mode`; empty if all accept it. Lives for ever.

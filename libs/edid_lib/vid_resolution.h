@@ -86,6 +86,8 @@ struct vid_resolution_t {
 
   /// Width to height of the picture; 0 without height and with a pixel aspect whose second side is 0.
   float picture_aspect() const;
+
+  /// Whether the picture aspect is less than 0.001 off: 1366x768 is 16:9, 1360x768 is not. Never without height.
   bool is_4_3() const;
   bool is_16_9() const;
 

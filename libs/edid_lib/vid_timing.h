@@ -38,7 +38,9 @@ struct vid_timing_t {
 /// Writes "vid_timing_t{ " and the ten fields in their order, each followed by a blank, then "}".
 std::ostream& operator<<(std::ostream& out, const vid_timing_t& timing);
 
-/// Reads what `operator<<` writes; the name may stand in any case. Another name leaves `timing` as it is.
+/// Reads what `operator<<` writes; the name may stand in any case. Another name leaves `timing` as it is. With fewer
+/// than ten numbers the other fields keep their values; a word that is no number makes its field 0 and ends the
+/// numbers.
 std::istream& operator>>(std::istream& in, vid_timing_t& timing);
 
 }  // namespace edid_lib

@@ -17,7 +17,8 @@ namespace edid_lib {
 ///
 /// Or the other way round: writes a list of modes into the blocks that an EDID has, each of which is emptied first. A
 /// mode goes where its type and location say that it comes from, and where they say nothing, into every block that has
-/// a form for it. What does not fit is left out.
+/// a form for it. Detailed timings go by the location alone, as they can tell a mode of any type. What does not fit is
+/// left out.
 class visitor_modes_t final : public visitor_t {
  public:
   using visitor_t::visit;

@@ -127,6 +127,7 @@ TEST(ColorFormat, CtaModesBut640x480AreLimited) {
   EXPECT_EQ(range("1024x768@60", color_encoding_t::rgb), color_range_t::full);
   EXPECT_EQ(range("1024x768@60", color_encoding_t::unspecified), color_range_t::full);
   EXPECT_EQ(range("1920x1080@60", color_encoding_t::constant_luminance_ycc), color_range_t::limited);
+  EXPECT_EQ(range("1024x768@60", color_encoding_t::constant_luminance_ycc), color_range_t::full);
 }
 
 TEST(ColorFormat, YccIsLimitedWhateverTheMode) {

@@ -28,6 +28,27 @@ TEST(RateAlternative, RatesThatAreNoMultipleOfSixHaveNoAlternative) {
   }
 }
 
+TEST(RateAlternative, Of72StillGoesBy72) {
+  const vid_resolution_t slower = rate_alternative(vid_resolution_t("800x600@72"));
+  EXPECT_FLOAT_EQ(slower.fps, 71.928072F);
+  EXPECT_EQ(slower.key(), "800x600@72");
+  const vid_resolution_t timed(vid_timing_t{50000, 800, 856, 976, 1040, 600, 637, 643, 666, 5});
+  EXPECT_EQ(rate_alternative(timed).timing.pixel_clock_khz, 49950U);
+  EXPECT_EQ(rate_alternative(timed).key(), "800x600@72");
+}
+
+TEST(RateAlternative, OfADmtModeAt5994IsThatOf60) {
+  vid_resolution_t mode("4096x2160@59.94");
+  mode.type = timing_type_t::dmt;
+  const vid_resolution_t slower = rate_alternative(mode);
+  EXPECT_FLOAT_EQ(slower.fps, 59.940060F);
+  EXPECT_EQ(slower.type, timing_type_t::dmt);
+  EXPECT_EQ(slower.key(), "4096x2160@60");
+  mode.timing = {556188, 4096, 4104, 4136, 4176, 2160, 2208, 2216, 2222, 9};
+  EXPECT_EQ(rate_alternative(mode).timing.pixel_clock_khz, 555632U);
+  EXPECT_EQ(rate_alternative(mode).key(), "4096x2160@59.94");
+}
+
 TEST(RateAlternative, WithATimingIsMadeAnewFromTheSlowerTiming) {
   vid_resolution_t mode(full_hd);
   mode.type = timing_type_t::cta;

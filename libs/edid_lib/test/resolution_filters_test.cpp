@@ -100,6 +100,11 @@ TEST(ResolutionFilters, OutputTakesClocksFrom25To600Megahertz) {
   EXPECT_TRUE(output_takes({594000, 4096, 4184, 4272, 4400, 2160, 2168, 2178, 2250, 5}));
 }
 
+TEST(ResolutionFilters, OutputTakesAClockByWhatIsLeftOfItInHertz) {
+  EXPECT_TRUE(output_takes({4294967 + 100000, 1920, 1930, 1940, 2000, 1080, 1084, 1089, 1125, 5}));  // 99'999'704
+  EXPECT_FALSE(output_takes({4294967 + 1, 1920, 1930, 1940, 2000, 1080, 1084, 1089, 1125, 5}));      // 704
+}
+
 TEST(ResolutionFilters, OutputRefusesOddPositions) {
   EXPECT_FALSE(output_takes({85500, 1366, 1436, 1579, 1792, 768, 771, 774, 798, 5}));
   EXPECT_FALSE(output_takes({85500, 1367, 1436, 1580, 1792, 768, 771, 774, 798, 5}));
@@ -113,6 +118,8 @@ TEST(ResolutionFilters, OutputTakesLineRatesFrom15To140Kilohertz) {
   EXPECT_FALSE(output_takes(with_line_of(9902)));
   EXPECT_TRUE(output_takes(with_line_of(1062)));
   EXPECT_FALSE(output_takes(with_line_of(1060)));
+  EXPECT_TRUE(output_takes({140000, 960, 970, 980, 1000, 1080, 1084, 1089, 1125, 5}));
+  EXPECT_FALSE(output_takes({140001, 960, 970, 980, 1000, 1080, 1084, 1089, 1125, 5}));
 }
 
 TEST(ResolutionFilters, OutputRefusesAModeWithoutATiming) {

@@ -212,3 +212,9 @@ TEST(TarnFilterResolution, TheOutputsChainTakesSquareProgressiveModesUpTo4K60) {
   EXPECT_TRUE(chain.unsupported.empty());
   EXPECT_EQ(chain.direction, filter_direction_t::neither);
 }
+
+TEST(TarnFilterResolution, WithoutLimitsNoModeOfASizePasses) {
+  const tarn_filter_resolution_t filter;
+  EXPECT_EQ(filter.refused_by(vid_resolution_t("640x480@60")), "Max Resolution Filter");
+  EXPECT_EQ(filter.refused_by(vid_resolution_t("1x1@24")), "Max Resolution Filter");
+}

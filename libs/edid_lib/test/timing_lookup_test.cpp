@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <utility>
+#include <cstddef>
 #include <vector>
 
 #include "edid_lib/timing_tables.h"
@@ -16,64 +15,36 @@ constexpr vid_timing_t full_hd = {148500, 1920, 2008, 2052, 2200, 1080, 1084, 10
 constexpr vid_timing_t full_hd_dmt = {148500, 1920, 2008, 2052, 2200, 1080, 1084, 1089, 1125, 10};
 constexpr vid_timing_t full_hd_interlaced = {74250, 1920, 2008, 2052, 2200, 1080, 1084, 1094, 1125, 21};
 
-std::vector<std::string> keys_of(const timing_table_t& table) {
-  std::vector<std::string> keys;
-  for (const timing_row_t* row : table.by_key()) {
-    keys.emplace_back(row->key);
-  }
-  return keys;
+/// `mode` is what the key of `row` names, with the timing of the row. DMT keys name no aspect but 1:1.
+void expect_named(const vid_resolution_t& mode, const timing_row_t& row, timing_type_t type) {
+  const vid_resolution_t named(row.key);
+  EXPECT_EQ(mode.width, named.width) << row.key;
+  EXPECT_EQ(mode.height, named.height) << row.key;
+  EXPECT_EQ(mode.fps, named.fps) << row.key;
+  EXPECT_EQ(mode.interlaced, named.interlaced) << row.key;
+  EXPECT_EQ(mode.reduced_blanking, named.reduced_blanking) << row.key;
+  EXPECT_EQ(mode.pixel_aspect_x, type == timing_type_t::dmt ? 1 : named.pixel_aspect_x) << row.key;
+  EXPECT_EQ(mode.pixel_aspect_y, named.pixel_aspect_y) << row.key;
+  EXPECT_EQ(mode.timing, row.timing) << row.key;
+  EXPECT_EQ(mode.type, type) << row.key;
 }
 
-/// The modes' names at the rates that they are told with, which need not be the nominal ones.
-std::vector<std::string> told_keys_of(std::vector<vid_resolution_t> modes) {
-  std::vector<std::string> keys;
-  for (vid_resolution_t& mode : modes) {
-    const auto rate = std::to_string(mode.fps);
-    keys.push_back(std::to_string(mode.width) + "x" + std::to_string(mode.height) + "@" + rate.substr(0, 2));
+/// `modes` are those of `table`, in the order of its keys.
+void expect_all_of(const timing_table_t& table, const std::vector<vid_resolution_t>& modes, timing_type_t type) {
+  const auto rows = table.by_key();
+  ASSERT_EQ(modes.size(), rows.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    expect_named(modes[i], *rows[i], type);
   }
-  return keys;
-}
-
-std::vector<std::string> sizes_and_rates(const std::vector<std::string>& keys) {
-  std::vector<vid_resolution_t> modes;
-  for (const std::string& key : keys) {
-    modes.emplace_back(key);
-  }
-  return told_keys_of(modes);
 }
 
 }  // namespace
 
-TEST(TimingLookup, AllModesOfATableComeInTheOrderOfItsKeys) {
-  EXPECT_EQ(told_keys_of(all_established()), sizes_and_rates(keys_of(established_timings())));
-  EXPECT_EQ(told_keys_of(all_dmt()), sizes_and_rates(keys_of(dmt_timings())));
-  EXPECT_EQ(told_keys_of(all_cta()), sizes_and_rates(keys_of(cta_timings())));
-  EXPECT_EQ(told_keys_of(all_hdmi()), sizes_and_rates(keys_of(hdmi_timings())));
-}
-
-TEST(TimingLookup, AllModesOfATableHaveTheirTimingAndTheTypeOfTheTable) {
-  const std::pair<timing_type_t, std::vector<vid_resolution_t>> lists[] = {
-      {timing_type_t::established, all_established()},
-      {timing_type_t::dmt, all_dmt()},
-      {timing_type_t::cta, all_cta()},
-      {timing_type_t::hdmi, all_hdmi()}};
-  for (const auto& [type, modes] : lists) {
-    for (const vid_resolution_t& mode : modes) {
-      EXPECT_EQ(mode.type, type);
-      EXPECT_EQ(mode.timing.h_active, static_cast<uint32_t>(mode.width)) << mode.key();
-    }
-  }
-}
-
-TEST(TimingLookup, AllCtaModesAreThoseOfTheirCodesAndAllDmtModesAreSquare) {
-  for (const vid_resolution_t& mode : all_cta()) {
-    if (mode.key() == "720x480@59.94 32:27") {
-      EXPECT_EQ(mode.timing, cta_resolution(3)->timing);
-    }
-  }
-  for (const vid_resolution_t& mode : all_dmt()) {
-    EXPECT_EQ(mode.pixel_aspect_x, mode.pixel_aspect_y) << mode.key();
-  }
+TEST(TimingLookup, AllModesOfATableComeInTheOrderOfItsKeysAsTheseNameThem) {
+  expect_all_of(established_timings(), all_established(), timing_type_t::established);
+  expect_all_of(dmt_timings(), all_dmt(), timing_type_t::dmt);
+  expect_all_of(cta_timings(), all_cta(), timing_type_t::cta);
+  expect_all_of(hdmi_timings(), all_hdmi(), timing_type_t::hdmi);
 }
 
 TEST(TimingLookup, CtaModesAreFoundByKey) {

@@ -130,6 +130,15 @@ TEST(VidResolution, PictureAspectTakesThePixelsIntoAccount) {
   EXPECT_FLOAT_EQ(vid_resolution_t("1920x1200@60").picture_aspect(), 1.6F);
 }
 
+TEST(VidResolution, AnAspectIsMetWithLessThanAThousandth) {
+  EXPECT_TRUE(vid_resolution_t("1366x768@60").is_16_9());
+  EXPECT_FALSE(vid_resolution_t("1360x768@60").is_16_9());
+  EXPECT_TRUE(vid_resolution_t("1334x1000@60").is_4_3());
+  EXPECT_FALSE(vid_resolution_t("1335x1000@60").is_4_3());
+  EXPECT_TRUE(vid_resolution_t("1333x1000@60").is_4_3());
+  EXPECT_FALSE(vid_resolution_t("1332x1000@60").is_4_3());
+}
+
 TEST(VidResolution, WithoutHeightOrWithoutPixelHeightHasNoAspect) {
   const vid_resolution_t flat = mode(1920, 0, 60);
   EXPECT_EQ(flat.picture_aspect(), 0);

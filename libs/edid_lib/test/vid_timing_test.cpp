@@ -42,3 +42,24 @@ TEST(VidTiming, ReadsItsNameInAnyCase) {
 }
 
 TEST(VidTiming, AnotherNameLeavesTheValueAsItIs) { EXPECT_EQ(read("vid_info_t{ 1 2 3 }", full_hd), full_hd); }
+
+TEST(VidTiming, FieldsWithoutANumberKeepTheirValues) {
+  EXPECT_EQ(read("vid_timing_t{ 1 2 3 }", full_hd), (vid_timing_t{1, 2, 3, 2052, 2200, 1080, 1084, 1089, 1125, 5}));
+  EXPECT_EQ(read("vid_timing_t{1 2 3}", full_hd), (vid_timing_t{1, 2, 3, 2052, 2200, 1080, 1084, 1089, 1125, 5}));
+  EXPECT_EQ(read("vid_timing_t{}", full_hd), full_hd);
+}
+
+TEST(VidTiming, AWordAmongTheNumbersIs0AndEndsThem) {
+  EXPECT_EQ(read("vid_timing_t{ 1 2 three 4 5 6 7 8 9 10 }", full_hd),
+            (vid_timing_t{1, 2, 0, 2052, 2200, 1080, 1084, 1089, 1125, 5}));
+}
+
+TEST(VidTiming, WithoutItsFirstBraceItIsNotRead) {
+  EXPECT_EQ(read("vid_timing_t 1 2 3 4 5 6 7 8 9 10 }", full_hd), full_hd);
+  EXPECT_EQ(read("vid_timing_t", full_hd), full_hd);
+  EXPECT_EQ(read("", full_hd), full_hd);
+}
+
+TEST(VidTiming, WithoutItsLastBraceItIsReadToTheEnd) {
+  EXPECT_EQ(read("vid_timing_t{ 148500 1920 2008 2052 2200 1080 1084 1089 1125 5"), full_hd);
+}

@@ -158,6 +158,17 @@ TEST(VisitorModesWrite, AFullVideoBlockGoesOnInTheNext) {
   EXPECT_EQ(blocks[2]->byte(1), 32);
 }
 
+TEST(VisitorModesWrite, ASecondWriteHasNothingLeftForVideoBlocks) {
+  edid_t first(display().build());
+  edid_t second(display().build());
+  visitor_modes_t writer({mode_of("1920x1080@60"), mode_of("1280x720@60")});
+  writer.write(&first);
+  writer.write(&second);
+  EXPECT_EQ(dynamic_cast<cta_video_data_block_t&>(*first.cta()->find_block(2)).size(), 3U);
+  EXPECT_EQ(dynamic_cast<cta_video_data_block_t&>(*second.cta()->find_block(2)).size(), 1U);
+  EXPECT_EQ(detailed_keys(second), (keys_t{"1920x1080@60", "1280x720@60"}));
+}
+
 TEST(VisitorModesWrite, EveryHdmiBlockGetsAllItsModesUpToSeven) {
   const modes_t modes(9, mode_of("3840x2160@24", timing_type_t::hdmi, timing_location_t::cta_hdmi_vsdb));
   const edid_t edid = written(edid_builder_t().cta(0, {hdmi_block, hdmi_block}), modes);

@@ -5,8 +5,7 @@
 #include "edid_lib/edid.h"
 #include "test_support/edid_builder.h"
 
-using edid_lib::edid_t;
-using edid_lib::visitor_renderer_t;
+using namespace edid_lib;
 using test_support::data_block;
 using test_support::edid_builder_t;
 
@@ -38,6 +37,11 @@ void expect_lines(const std::string& text, std::initializer_list<const char*> li
   for (const char* line : lines) {
     EXPECT_EQ(count_of("\n" + text, "\n" + std::string(line) + "\n"), 1U) << line << " in\n" << text;
   }
+}
+
+template <typename... Blocks>
+void visit_nothing(visitor_t& visitor, bool forward) {
+  (visitor.visit(static_cast<Blocks*>(nullptr), forward), ...);
 }
 
 }  // namespace
@@ -147,6 +151,19 @@ TEST(VisitorRenderer, TellsBlocksWithoutAClassOfTheirOwnByTheirBytes) {
                                  data_block(3, {1})}),
                {"CTA Speaker Data Block", "  Bytes: 131 1 0 0 ", "  CTA HDR Static Metadata Block", "  Bytes: 226 6 5 ",
                 "  IEEE id: 0x90848b", "  IEEE id: none"});
+}
+
+TEST(VisitorRenderer, NoBlockIsNoText) {
+  visitor_renderer_t renderer;
+  for (const bool forward : {true, false}) {
+    visit_nothing<edid_t, edid_base_t, est_timings_block_t, std_timings_block_t, det_timings_block_t,
+                  base_descriptor_block_t, monitor_name_base_block_t, monitor_serial_base_block_t,
+                  ascii_string_base_block_t, cta_extension_t, cta_data_block_t, cta_video_data_block_t,
+                  cta_audio_data_block_t, cta_hdmi_vsdb_t, cta_hdmi_forum_vsdb_t, cta_colorimetry_exdb_t,
+                  cta_video_capability_exdb_t, cta_ycc_420_video_exdb_t, cta_ycc_420_capability_exdb_t>(renderer,
+                                                                                                        forward);
+  }
+  EXPECT_EQ(renderer.text(), "");
 }
 
 TEST(VisitorRenderer, EachReportStartsAnewAndWriteIsTheSame) {
