@@ -49,7 +49,11 @@ void check_timings(cta_extension_t& extension, input_t& input) {
   require(extension.detailed_timings() == &timings, "timings that were asked for are there");
   require(had || timings.offset() == offset + 128, "new ones have their offset in the EDID");
   require(had || timings.capacity() == (offset < 127 ? (127 - offset) / 18 : 0), "and the room that is left");
-  require(had || timings.count() == 0, "and are empty");
+  require(had || timings.size() == 0 || timings.byte(0) == 1, "and are padding");
+  if (!had) {
+    timings.clear();
+    require(timings.count() == 0, "which can be cleared for modes");
+  }
   timings.add(take_mode(input));
 }
 
