@@ -3,6 +3,7 @@
 #include "edid_lib/edid.h"
 
 #include <algorithm>
+#include <compare>
 #include <utility>
 
 #include "edid_lib/test/recording_visitor.h"
@@ -60,8 +61,9 @@ void check_order(const modes_t& modes) {
   for (std::size_t i = 1; i < modes.size(); ++i) {
     const auto order = modes[i - 1] <=> modes[i];
     const auto reversed = modes[i] <=> modes[i - 1];
-    require((order < 0) == (reversed > 0) && (order == 0) == (reversed == 0), "the order has one direction");
-    require((order == 0) == (modes[i - 1] == modes[i]), "equal modes are those that no order parts");
+    require(std::is_lt(order) == std::is_gt(reversed) && std::is_eq(order) == std::is_eq(reversed),
+            "the order has one direction");
+    require(std::is_eq(order) == (modes[i - 1] == modes[i]), "equal modes are those that no order parts");
   }
 }
 

@@ -195,7 +195,7 @@ void check_mode_texts(const vid_resolution_t& mode) {
 
 void check_mode_list(const modes_t& modes, input_t& input) {
   edid_lib::vid_info_t info;
-  info.current_index = static_cast<int8_t>(input.take_byte());
+  info.current_index = input.take_byte() - 4;
   info.modes = modes;
   const auto index = static_cast<std::size_t>(std::max(info.current_index, 0));
   require(info.current() == (index < modes.size() ? &info.modes[index] : nullptr), "the current mode is in the list");
