@@ -140,7 +140,7 @@ void check(edid_lib::cta_colorimetry_exdb_t& block, input_t& input) {
   require(edid_lib::colorimetries_text(bits).empty() == (bits == 0), "and have words");
   const uint8_t metadata = input.take_byte() % 32;
   const uint8_t before = block.metadata();
-  require(block.set_metadata(metadata) == (metadata <= 15), "four bits of metadata are stored");
+  require(block.set_metadata(metadata) == (metadata <= 15 && block.size() > 3), "four bits of metadata are stored");
   require(block.metadata() == (metadata <= 15 && block.size() > 3 ? metadata : before), "where there is room");
 }
 
