@@ -174,7 +174,7 @@ void check(edid_lib::cta_ycc_420_video_exdb_t& block, input_t& input) {
 
 void check(edid_lib::cta_ycc_420_capability_exdb_t& block, input_t& input) {
   const std::size_t entry = take_number(input) % 300;
-  const bool fits = entry < (largest_size - 2) * 8;
+  const bool fits = block.size() >= 2 && entry < (largest_size - 2) * 8;
   const bool before = block.contains(entry);
   require(block.set(entry, true) == fits && block.contains(entry) == (fits || before), "a bit is set where it fits");
   require(!fits || !block.means_all(), "and then not all are meant");
