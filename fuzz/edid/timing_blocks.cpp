@@ -4,7 +4,18 @@
 namespace fuzz::edid {
 namespace {
 
-using edid_lib::timing_type_t;
+/// Whether a code means a mode: a picture of one of four shapes that DMT knows, at a rate from 60 to 120.
+bool has_code(const vid_resolution_t& mode) {
+  const int64_t width = mode.width;
+  const int64_t height = mode.height;
+  const bool has_shape =
+      width * 10 == height * 16 || width * 3 == height * 4 || width * 4 == height * 5 || width * 9 == height * 16;
+  const float rate = mode.nominal_fps();
+  if (!has_shape || width % 8 != 0 || width < 256 || width > 2288 || rate < 60 || rate > 120) {
+    return false;
+  }
+  return edid_lib::is_dmt({mode.width, mode.height, {}, {}, rate});
+}
 
 }  // namespace
 
@@ -30,10 +41,9 @@ void check_standard(edid_lib::std_timings_block_t block, input_t& input) {
     const bool was_there = block.contains(mode);
     const bool added = block.add(mode);
     require(block.count() <= before + (added && !was_there ? 1 : 0), "one code is added to those in use");
-    const float rate = mode.nominal_fps();
-    const bool has_code = mode.type == timing_type_t::dmt && mode.width % 8 == 0 && rate >= 60 && rate <= 120;
     const bool is_there = block.contains(mode);
-    require(!added || !has_code || is_there, "what was added is there");
+    require(!has_code(mode) || added == (before < 8), "a mode with a code is added where there is room");
+    require(!has_code(mode) || !added || is_there, "and is there");
     require(block.remove(mode) == is_there, "what is there is removed");
     while (block.remove(mode)) {
     }
