@@ -33,6 +33,7 @@ thread_local bool memory_is_scarce = false;
 
 }  // namespace
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc, cppcoreguidelines-owning-memory): this is what containers stand on
 void* operator new(std::size_t size) {
   void* const block = memory_is_scarce && size >= std::size_t{1} << 20 ? nullptr : std::malloc(size);
   return block != nullptr ? block : throw std::bad_alloc();
@@ -41,6 +42,7 @@ void* operator new(std::size_t size) {
 void operator delete(void* block) noexcept { std::free(block); }
 
 void operator delete(void* block, std::size_t /*size*/) noexcept { std::free(block); }
+// NOLINTEND(cppcoreguidelines-no-malloc, cppcoreguidelines-owning-memory)
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker's names for the calls it puts in place of libcurl's, and theirs
 extern "C" {
