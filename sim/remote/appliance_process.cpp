@@ -48,7 +48,7 @@ std::map<std::string, std::string> daemon_environment(remote_control_t& remote,
   join(variables, "TSAN_OPTIONS", "ignore_noninstrumented_modules=1");
 #endif
   for (const auto& [name, value] : more) {
-    if (name == "LD_PRELOAD" || name == "ASAN_OPTIONS") {
+    if (name == "LD_PRELOAD" || name == "ASAN_OPTIONS" || name == "TSAN_OPTIONS") {
       join(variables, name, value);
     } else {
       variables[name] = value;
