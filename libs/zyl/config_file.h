@@ -8,7 +8,7 @@ namespace zyl {
 ///
 /// A file whose lines are the same already is not touched. Else the content goes to "/tmp/<last component>.tmp", which
 /// `mv` then moves to `path`: the shell sees both names as they are, so they must hold no blanks or special characters,
-/// and two writers of the same last component must not meet. The folder must exist.
+/// and two writers of the same last component must not meet. The folder must exist, and `path` must not be one.
 ///
 /// True if the file now has these lines. Else logs "Error writing config file: " and the path; the old file stays, and
 /// perhaps the temporary one, which the next call writes anew.

@@ -16,7 +16,7 @@ class deferred_call_t : public loop_owned_t {
   /// The call, on the thread that runs the loop. Must not throw.
   virtual void operator()() = 0;
 
-  /// Has the loop call it on its next turn and then destroy it; a loop that ends before destroys it without calling.
+  /// Has the loop call it soon, as `zyl::post` does, and then destroy it; a loop that ends before destroys it uncalled.
   /// The object must have been made by `new`, alone, and belongs to the loop from this call on, also if it throws
   /// `std::bad_alloc`, or `exception_t` for a null base: it must not be touched again. Calls posted by one thread are
   /// made in that order. Any thread.

@@ -24,7 +24,7 @@ class loop_owned_t {
   loop_owned_t& operator=(loop_owned_t&&) = delete;
 
  protected:
-  /// Gives `self` to the loop of `base`, which runs it on its next turn. Any thread. Throws `std::bad_alloc`, and
+  /// Gives `self` to the loop of `base`, which runs it soon. Any thread. Throws `std::bad_alloc`, and
   /// `exception_t` for a null base.
   static void activate_on(event_base* base, std::unique_ptr<loop_owned_t> self);
 

@@ -20,7 +20,7 @@ class manual_event_t {
   manual_event_t& operator=(manual_event_t&&) = delete;
   ~manual_event_t() = default;
 
-  /// Emits `activated` on the loop's next turn. Calls that come before that turn are one. Any thread.
+  /// Emits `activated` soon, on the loop's thread. Calls that come before that are one. Any thread.
   void activate();
 
   /// Slots that are connected during its emission are called from the next one on. A slot may destroy this object, and

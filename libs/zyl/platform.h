@@ -30,8 +30,9 @@ class platform_t {
   /// `platform_unreadable_exception_t` at the first that cannot be read.
   explicit platform_t(const reader_t& read);
 
-  /// Reads the platform from the property service: two attempts, each on a connection of its own, up to a second for
-  /// each property. If both fail, tells so and ends the process with status -1: without an identity it does not run.
+  /// Reads the platform from the property service: two attempts, each on a connection of its own, a second of silence
+  /// allowed for each property. If both fail, tells so and ends the process with status -1: without an identity it does
+  /// not run.
   static platform_t from_bus();
 
   /// Makes `installed` the process's platform; it is not owned and must stay. Null takes it back.

@@ -86,13 +86,14 @@ class property_client_t : public property_client_intf_t {
   /// Asks for everything; what answers is for `receive`.
   bool get_all();
 
-  /// `get`, and a wait of `timeout_ms` for the answer, without end if it is negative. A property that does not exist
+  /// `get`, and a wait of `timeout_ms` for the answer, as `receive` waits. A property that does not exist
   /// reads as empty. False, with an empty value, if there is no answer or another message was in front of it, which is
   /// lost: for clients that do not monitor.
   bool read(const std::string& path, std::string& value, int timeout_ms) override;
 
   /// Takes the next message of three fields and waits `timeout_ms` milliseconds for it, without end if that is
-  /// negative. With 0 it does not wait: call it until it returns false.
+  /// negative; bytes that make no whole message start the wait anew. With 0 it does not wait: call it until it returns
+  /// false.
   ///
   /// A message with another number of fields gives the command "error" and the path "bad_payload", and true only if
   /// there are further bytes to look at. What the service wrote last before it closed is not read.

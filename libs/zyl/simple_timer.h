@@ -32,7 +32,7 @@ class simple_timer_t {
   /// interval never expires. Before `init` throws `uninitialized_timer_exception_t`.
   void arm(int32_t interval_ms);
 
-  /// Calls the callback on the loop's next turn; a pending timeout is over then. Before `init` throws
+  /// Calls the callback soon, on the loop's thread; a pending timeout is over then. Before `init` throws
   /// `uninitialized_timer_exception_t`.
   void activate();
 

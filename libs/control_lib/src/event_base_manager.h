@@ -19,7 +19,8 @@ class event_base_manager_t : public worker_t {
   /// libevent's type, whose name the accessor has here.
   using base_t = ::event_base;
 
-  /// `manager` and `description` as every worker has them.
+  /// `manager` and `description` as every worker has them. Throws as `zyl::new_event_base`; the manager, which
+  /// knows the worker by then, must not be used after that.
   explicit event_base_manager_t(worker_manager_t& manager, const char* description = "event_base_manager_t");
 
   /// Frees the base, and what is still posted to it without running it. The objects bound to it must be gone.

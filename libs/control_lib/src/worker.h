@@ -14,7 +14,7 @@ class worker_manager_t;
 class worker_t {
  public:
   /// Adds itself to `manager`, which must not be used any more once a worker of it is gone. A null description is
-  /// "(no description)".
+  /// "(no description)". Throws `std::bad_alloc`.
   worker_t(worker_manager_t& manager, const char* description);
 
   /// Ends the process, by `std::terminate`, if the thread was not joined: nothing could stop it any more.

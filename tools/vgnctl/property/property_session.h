@@ -12,8 +12,9 @@ namespace vgnctl {
 
 /// What one command has to say to the property service, each request followed through to its end.
 ///
-/// Every call throws a `zyl::exception_t` with a text for people if the service hangs up, does not take the request or
-/// does not answer. A path, and path and value together, must not be longer than `zyl::longest_property`. One thread.
+/// Every call throws a `zyl::exception_t` with a text for people if the service hangs up or does not take the request;
+/// `get`, `set` and `create` also if it does not answer. A path, and path and value together, must not be longer than
+/// `zyl::longest_property`. One thread.
 class property_session_t {
  public:
   using property_handler_t = std::function<void(const std::string& path, const std::string& value)>;
