@@ -29,7 +29,7 @@ class dbus_properties_client_t {
 
  private:
   struct closer_t {
-    void operator()(sd_bus* bus) const { sd_bus_flush_close_unref(bus); }
+    void operator()(sd_bus* owned) const { sd_bus_flush_close_unref(owned); }
   };
 
   void wait_for(const std::string& value);
