@@ -61,11 +61,15 @@ constexpr flag_t flags[] = {
 
 void check_flags(edid_base_t& base, input_t& input) {
   const uint8_t wanted = input.take_byte();
-  for (std::size_t i = 0; i < std::size(flags); ++i) {
-    (base.*flags[i].set)((wanted >> i & 1) != 0);
+  uint8_t left = wanted;
+  for (const flag_t& flag : flags) {
+    (base.*flag.set)((left & 1) != 0);
+    left = static_cast<uint8_t>(left >> 1);
   }
-  for (std::size_t i = 0; i < std::size(flags); ++i) {
-    require((base.*flags[i].get)() == ((wanted >> i & 1) != 0), "a flag is stored, and no other by it");
+  left = wanted;
+  for (const flag_t& flag : flags) {
+    require((base.*flag.get)() == ((left & 1) != 0), "a flag is stored, and no other by it");
+    left = static_cast<uint8_t>(left >> 1);
   }
 }
 
