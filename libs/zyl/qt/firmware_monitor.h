@@ -32,8 +32,8 @@ class FirmwareMonitor : public QObject {
   int progress() const;
 
  Q_SIGNALS:
-  /// The service told the state or the progress, a new value or the same. A slot must not destroy the
-  /// monitor; `deleteLater` may be called.
+  /// The service told the state or the progress, a new value or the same. A slot must not destroy the monitor;
+  /// `deleteLater` may be called.
   void changed();
 
  private:

@@ -20,8 +20,8 @@ class HostnameMonitor : public QObject {
   QString hostname() const;
 
  Q_SIGNALS:
-  /// The service told the name, a new one or the same. A slot must not destroy the
-  /// monitor; `deleteLater` may be called.
+  /// The service told the name, a new one or the same. A slot must not destroy the monitor; `deleteLater` may be
+  /// called.
   void changed(QString value);
 
  private:

@@ -40,8 +40,8 @@ class InterfaceMonitor : public QObject {
   static int interfaceOf(const QByteArray& path);
 
  Q_SIGNALS:
-  /// The service told a property of the interface, a new value or the same. A slot must not destroy the
-  /// monitor; `deleteLater` may be called.
+  /// The service told a property of the interface, a new value or the same. A slot must not destroy the monitor;
+  /// `deleteLater` may be called.
   void changed(int interface);
 
  private:

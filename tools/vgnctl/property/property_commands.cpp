@@ -29,7 +29,7 @@ Examples:
   vgnctl property dump
   vgnctl property list /sys/config
   vgnctl property get /tarn/design/status
-  vgnctl property set /tarn/mode/id 1
+  vgnctl property set /tarn/mode/id on
   vgnctl property monitor /tarn/mode/id /tarn/design/status
   vgnctl property dump --json | jq -r 'select(.value == "").path'
 
@@ -40,19 +40,20 @@ Arguments:
 Exit status:
   0  done
   1  no property service listens at /tmp/.tarn_property_ipc, it takes no
-     request, does not answer or refuses, or it has gone
+     request, refuses it or has gone, or does not answer get, set or create;
+     list and dump take half a second of silence for the end
   2  wrong use)";
 
 constexpr const char* get_footer = R"(Examples:
   vgnctl property get /tarn/design/status
-  line=$(vgnctl property get /tarn/mode/id) && [ "${line#*=}" = 1 ])";
+  line=$(vgnctl property get /tarn/mode/id) && [ "${line#*=}" = on ])";
 
 constexpr const char* set_footer = R"(Whoever monitors the property is told, also when the value is the one that it
 had. Status 1 if the request does not go out, or if the service does not know
 the property afterwards. Whether it kept the value is not looked at.
 
 Examples:
-  vgnctl property set /tarn/mode/id 1
+  vgnctl property set /tarn/mode/id on
   vgnctl property set /tarn/mode/id ''        the empty value
   vgnctl property set /sys/offset -- -1       a value that begins with "-"
   vgnctl property set /sys/offset -- ++       or that is "++")";

@@ -114,12 +114,14 @@ void property_session_t::require(const std::string& path) {
 }
 
 void property_session_t::collect(const property_handler_t& on_property) {
-  while (const auto message = next_message(silence_limit_ms)) {
+  int64_t deadline = zyl::now_ms() + silence_limit_ms;
+  while (const auto message = next_message(deadline - zyl::now_ms())) {
     if (message->tells_value_of("")) {
       return;
     }
     if (message->command == "get_response") {
       on_property(message->path, message->value);
+      deadline = zyl::now_ms() + silence_limit_ms;
     }
   }
 }

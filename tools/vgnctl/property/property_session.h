@@ -32,8 +32,8 @@ class property_session_t {
   /// Makes a property exist and waits until it does. Throws if it does not.
   void create(const std::string& path);
 
-  /// Hands over each property below `path` in the order of the service, until that gives an empty path or is silent for
-  /// half a second. Silence from the beginning is an empty list.
+  /// Hands over each property below `path` in the order of the service, until that gives an empty path, or none
+  /// for half a second. None from the beginning is an empty list.
   void list(const std::string& path, const property_handler_t& on_property);
 
   /// Hands over all properties, in the same way.

@@ -7,7 +7,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <chrono>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -39,11 +42,9 @@ std::string no_property() { return zyl::build_frame({"error", "no_property", ""}
 
 const std::string gone = "the property service has gone";
 
-/// Answers "list" and "get_all" with `entries` and "get" with `value`, each as bytes.
-fake_property_service_t::answer_t lister(std::string entries, std::string value) {
-  return [entries = std::move(entries), value = std::move(value)](const request_t& request, int /*client*/) {
-    return request[0] == "get" ? value : entries;
-  };
+/// Answers every request with these bytes.
+fake_property_service_t::answer_t answering(std::string bytes) {
+  return [bytes = std::move(bytes)](const request_t& /*request*/, int /*client*/) { return bytes; };
 }
 
 properties_t listed(const std::string& path) {
@@ -75,9 +76,9 @@ TEST(PropertySession, TellsAMissingPropertyFromAnEmptyOne) {
 }
 
 TEST(PropertySession, FindsTheAnswerBehindJunkAndOtherMessages) {
-  const fake_property_service_t service(lister("", "junk" + zyl::build_frame({"changed", "/a"}) +
-                                                       zyl::build_frame({"changed", "/a", "1"}) + response("/b", "2") +
-                                                       response("/a", "3")));
+  const fake_property_service_t service(answering("junk" + zyl::build_frame({"changed", "/a"}) +
+                                                  zyl::build_frame({"changed", "/a", "1"}) + response("/b", "2") +
+                                                  response("/a", "3")));
   EXPECT_EQ(property_session_t().get("/a"), "3");
 }
 
@@ -143,15 +144,32 @@ TEST(PropertySession, SetAndCreateThatTheServiceIgnoresAreFailures) {
 
 TEST(PropertySession, ListEndsAtTheEmptyPath) {
   const fake_property_service_t service(
-      lister(response("/a/1", "one") + response("/a/2", "") + response("", "") + response("/late", ""), ""));
+      answering(response("/a/1", "one") + response("/a/2", "") + response("", "") + response("/late", "")));
   EXPECT_THAT(listed("/a"), ElementsAre(Pair("/a/1", "one"), Pair("/a/2", "")));
   EXPECT_THAT(service.requests().front(), ElementsAre("list", "/a"));
 }
 
 TEST(PropertySession, ListEndsWithSilenceOnAServiceThatSendsNoEmptyPath) {
-  const fake_property_service_t service(lister(response("/a/1", "one") + response("/a/2", "two"), no_property()));
+  const fake_property_service_t service(answering(response("/a/1", "one") + response("/a/2", "two")));
   EXPECT_THAT(listed("/a"), ElementsAre(Pair("/a/1", "one"), Pair("/a/2", "two")));
   EXPECT_THAT(service.requests(), ElementsAre(ElementsAre("list", "/a")));
+}
+
+TEST(PropertySession, ListEndsAlsoWhileTheServiceSaysOtherThings) {
+  fake_property_service_t service(answering(response("/a/1", "one")));
+  property_session_t session;
+  std::atomic<bool> ended = false;
+  std::thread chatter([&] {
+    while (!ended) {
+      service.send({"changed", "/a/1", "two"});
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+  });
+  properties_t found;
+  session.list("/a", [&](const std::string& at, const std::string& value) { found.emplace_back(at, value); });
+  ended = true;
+  chatter.join();
+  EXPECT_THAT(found, ElementsAre(Pair("/a/1", "one")));
 }
 
 TEST(PropertySession, ServiceThatDoesNotKnowListsGivesAnEmptyOne) {
@@ -162,21 +180,20 @@ TEST(PropertySession, ServiceThatDoesNotKnowListsGivesAnEmptyOne) {
 }
 
 TEST(PropertySession, MessagesThatAreNoPropertyAreNotListed) {
-  const fake_property_service_t service(lister(zyl::build_frame({"changed", "/a/1", "one"}) +
-                                                   zyl::build_frame({"get_response", "/a/1"}) +
-                                                   response("/a/2", "two") + no_property() + response("", ""),
-                                               ""));
+  const fake_property_service_t service(answering(zyl::build_frame({"changed", "/a/1", "one"}) +
+                                                  zyl::build_frame({"get_response", "/a/1"}) + response("/a/2", "two") +
+                                                  no_property() + response("", "")));
   EXPECT_THAT(listed("/a"), ElementsAre(Pair("/a/2", "two")));
 }
 
 TEST(PropertySession, DumpAsksForAllAndEndsLikeAList) {
   const auto entries = response("/a", "1") + response("/b", "2");
   {
-    const fake_property_service_t service(lister(entries + response("", ""), ""));
+    const fake_property_service_t service(answering(entries + response("", "")));
     EXPECT_THAT(dumped(), ElementsAre(Pair("/a", "1"), Pair("/b", "2")));
     EXPECT_THAT(service.requests().front(), ElementsAre("get_all"));
   }
-  const fake_property_service_t service(lister(entries, no_property()));
+  const fake_property_service_t service(answering(entries));
   EXPECT_THAT(dumped(), ElementsAre(Pair("/a", "1"), Pair("/b", "2")));
 }
 
