@@ -48,12 +48,21 @@ class fake_udev_t {
 
   /// Gives the file at an absolute path below /sys or /proc this content.
   void write(const std::string& path, const std::string& content) {
-    gchar* const root = umockdev_testbed_get_root_dir(testbed);
-    const std::filesystem::path place = root + path;
-    g_free(root);
-    std::filesystem::create_directories(place.parent_path());
-    std::ofstream(place) << content;
+    const std::filesystem::path file = place(path);
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file) << content;
   }
+
+  /// Where an absolute path of the machine really is.
+  std::string place(const std::string& path) const {
+    gchar* const root = umockdev_testbed_get_root_dir(testbed);
+    std::string found = root + path;
+    g_free(root);
+    return found;
+  }
+
+  /// The emulation library's own object; lives as long as this one.
+  UMockdevTestbed* handle() const { return testbed; }
 
  private:
   UMockdevTestbed* testbed;
