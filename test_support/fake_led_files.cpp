@@ -1,0 +1,89 @@
+#include "test_support/fake_led_files.h"
+
+#include <fcntl.h>
+#include <sys/inotify.h>
+#include <umockdev.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace test_support {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string content_of(const std::string& place) {
+  std::ifstream file(place);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+}  // namespace
+
+fake_led_files_t::fake_led_files_t() : bed(umockdev_testbed_new()), watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+  gchar* const folder = umockdev_testbed_get_root_dir(bed);
+  root = folder;
+  g_free(folder);
+}
+
+fake_led_files_t::~fake_led_files_t() {
+  close(watch);
+  g_object_unref(bed);
+}
+
+void fake_led_files_t::make(const std::string& path) {
+  // Not opened for writing, so that this does not count as a write.
+  close(open(place_for(path).c_str(), O_CREAT | O_RDONLY | O_CLOEXEC, 0644));
+}
+
+void fake_led_files_t::make_unwritable(const std::string& path) { fs::create_directory(place_for(path)); }
+
+void fake_led_files_t::make_full(const std::string& path) { fs::create_symlink("/dev/full", place_for(path)); }
+
+void fake_led_files_t::remove(const std::string& path) { fs::remove_all(place_of(path)); }
+
+std::vector<std::string> fake_led_files_t::take_writes() {
+  std::vector<std::string> writes;
+  const auto closed = closed_files();
+  for (const auto& place : closed) {
+    const fs::path file(place);
+    writes.push_back((file.parent_path().filename() / file.filename()).string() + "=" + content_of(place));
+  }
+  for (const auto& place : closed) {
+    fs::resize_file(place, 0);
+  }
+  return writes;
+}
+
+std::string fake_led_files_t::place_of(const std::string& path) const { return root + path; }
+
+std::string fake_led_files_t::place_for(const std::string& path) {
+  remove(path);
+  const fs::path place = place_of(path);
+  fs::create_directories(place.parent_path());
+  watched_folders[inotify_add_watch(watch, place.parent_path().c_str(), IN_CLOSE_WRITE)] = place.parent_path();
+  return place;
+}
+
+std::vector<std::string> fake_led_files_t::closed_files() {
+  std::vector<std::string> places;
+  alignas(inotify_event) std::array<char, 4096> events{};
+  for (;;) {
+    const ssize_t length = read(watch, events.data(), events.size());
+    if (length <= 0) {
+      return places;
+    }
+    for (const char* at = events.data(); at < events.data() + length;) {
+      inotify_event event{};
+      std::memcpy(&event, at, sizeof event);
+      places.push_back(watched_folders.at(event.wd) + "/" + (at + sizeof event));
+      at += sizeof event + event.len;
+    }
+  }
+}
+
+}  // namespace test_support
