@@ -7,4 +7,9 @@ const QLoggingCategory& controlLog() {
   return category;
 }
 
+const QLoggingCategory& uiLog() {
+  static const QLoggingCategory category("zyl.vgn.control.ui");
+  return category;
+}
+
 }  // namespace vgn_control
