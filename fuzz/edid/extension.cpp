@@ -84,8 +84,8 @@ void check_extension_fields(cta_extension_t extension, input_t& input) {
   check_flags(extension, input);
   check_offset(extension);
   extension.reset();
-  require(extension.data_blocks().empty() && extension.detailed_timings() == nullptr, "an extension can start anew");
-  require(extension.valid() && extension.assemble()[2] == 0, "and is valid then");
+  require(extension.data_blocks().empty() && extension.detailed_timings() == nullptr, "a reset extension has no parts");
+  require(extension.size() == 0 && !extension.valid() && extension.assemble()[2] == 0, "nor bytes");
 }
 
 }  // namespace fuzz::edid

@@ -1,13 +1,12 @@
 #include "edid_lib/color_format.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <istream>
 #include <ostream>
 #include <span>
 #include <string>
 
+#include "edid_lib/ascii_case.h"
 #include "edid_lib/timing_lookup.h"
 
 namespace edid_lib {
@@ -28,10 +27,6 @@ words_t words_of(color_encoding_t) { return encoding_words; }
 words_t words_of(chroma_sampling_t) { return chroma_words; }
 words_t words_of(color_range_t) { return range_words; }
 words_t words_of(color_depth_t) { return depth_words; }
-
-bool same_word(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
-}
 
 /// Takes the text up to the next comma off `list`.
 std::string_view take_item(std::string_view& list) {
@@ -57,8 +52,8 @@ std::string_view color_word(Enum value) {
 template <typename Enum>
 Enum color_value(std::string_view word) {
   const words_t words = words_of(Enum{});
-  const auto found =
-      std::find_if(words.begin(), words.end(), [word](std::string_view known) { return same_word(known, word); });
+  const auto found = std::find_if(words.begin(), words.end(),
+                                  [word](std::string_view known) { return same_ignoring_case(known, word); });
   return found != words.end() ? static_cast<Enum>(found - words.begin()) : Enum{};
 }
 
@@ -81,7 +76,7 @@ std::ostream& operator<<(std::ostream& out, const color_format_t& format) {
 std::istream& operator>>(std::istream& in, color_format_t& format) {
   std::string name;
   std::getline(in, name, '{');
-  if (!same_word(name, "color_format_t")) {
+  if (!same_ignoring_case(name, "color_format_t")) {
     return in;
   }
   std::string text;

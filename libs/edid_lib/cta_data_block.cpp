@@ -60,11 +60,7 @@ void cta_data_block_t::resize(std::size_t new_size, uint8_t padding) {
   }
 }
 
-void cta_data_block_t::grow(std::size_t least) {
-  if (!data.empty()) {
-    resize(std::max(size(), least));
-  }
-}
+void cta_data_block_t::grow(std::size_t least) { resize(std::max(size(), least)); }
 
 std::string_view cta_data_block_t::name() const {
   switch (tag()) {

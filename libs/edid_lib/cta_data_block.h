@@ -39,12 +39,12 @@ class cta_data_block_t : public edid_block_t {
 
   uint8_t first_byte_tag() const { return byte(0) >> 5; }
 
-  /// Makes the block at least `least` bytes long; nothing for a block without bytes, which has no tag either.
+  /// Makes the block at least `least` bytes long. One that had none has no tag, and is not valid.
   void grow(std::size_t least);
 };
 
-/// The data block object for the tag, and the IEEE or extended tag behind it, in `block_bytes`. Null for tags that mean
-/// nothing, and without bytes.
+/// The data block object for the tag, and the IEEE or extended tag behind it, in `block_bytes`. Null, which drops the
+/// block, for tags and extended tags that have no name here, and without bytes.
 std::unique_ptr<cta_data_block_t> make_cta_data_block(std::span<const uint8_t> block_bytes);
 
 }  // namespace edid_lib

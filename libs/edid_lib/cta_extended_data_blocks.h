@@ -29,10 +29,11 @@ class cta_extended_data_block_t : public cta_data_block_t {
   cta_extended_data_block_t(uint8_t block_extended_tag, std::size_t block_size);
 };
 
-/// "CTA Colorimetry Block"; "Undefined CTA Extended Data Block Tag" for a tag without meaning.
+/// "CTA Colorimetry Block"; "Undefined CTA Extended Data Block Tag" for a tag that has no name here.
 std::string_view extended_tag_name(uint8_t extended_tag);
 
-/// Whether CTA-861 gives the extended tag a meaning.
+/// Whether the extended tag has a name here. Blocks of others are dropped, also those that later editions of CTA-861
+/// define.
 bool is_known_extended_tag(uint8_t extended_tag);
 
 /// What the display does with a picture that could be shown with or without its edges (CTA-861, section 7.5.6).

@@ -64,7 +64,11 @@ cta_extension_t& cta_extension_t::operator=(const cta_extension_t& other) {
   return *this;
 }
 
-void cta_extension_t::reset() { *this = cta_extension_t(); }
+void cta_extension_t::reset() {
+  data.clear();
+  blocks.clear();
+  detailed_block.reset();
+}
 
 void cta_extension_t::repair() {
   data.resize(block_size, 0);

@@ -19,8 +19,9 @@ namespace edid_lib {
 ///     d    detailed timings, 18 bytes each
 ///     127  checksum
 ///
-/// Tag and revision are put right, the checksum is not looked at. There are detailed timings if the byte at d is not 0,
-/// so a first timing whose clock is a multiple of 2.56 MHz hides them all (a 2560x1440 display at 640 MHz does).
+/// Tag and revision are put right, the checksum is not looked at. There are detailed timings if d is 1 to 127 and the
+/// byte there is not 0, so a first timing whose clock is a multiple of 2.56 MHz hides them all (a 2560x1440 display at
+/// 640 MHz does).
 /// Data blocks and detailed timings have copies of their bytes, which find their way back in `assemble`.
 class cta_extension_t final : public extension_block_t {
  public:
@@ -36,7 +37,7 @@ class cta_extension_t final : public extension_block_t {
   cta_extension_t(cta_extension_t&&) = default;
   cta_extension_t& operator=(cta_extension_t&&) = default;
 
-  /// Back to an extension without data blocks and detailed timings.
+  /// Leaves no bytes, no data blocks and no detailed timings. It is not valid then, and setters do nothing.
   void reset() override;
 
   uint8_t tag() const override { return own_tag; }
@@ -64,12 +65,14 @@ class cta_extension_t final : public extension_block_t {
   uint8_t native_count() const { return byte(3) & 0x0F; }
   void set_native_count(uint8_t count) { set_bits(3, 0x0F, count); }
 
+  /// In their order, none of them null. A block lives until this extension is reset, assigned to or destroyed, the list
+  /// also only until a block is added.
   const std::vector<std::unique_ptr<cta_data_block_t>>& data_blocks() const { return blocks; }
 
-  /// Appends a data block. `refresh_offset` and `assemble` see it.
+  /// Appends a data block; null is ignored. `refresh_offset` and `assemble` see it.
   void add_block(std::unique_ptr<cta_data_block_t> block);
 
-  /// The first data block of a tag, owned by this extension; null if there is none.
+  /// The first data block of a tag; null if there is none. Owned by this extension, as `data_blocks()` says.
   cta_data_block_t* find_block(uint8_t block_tag) const;
   cta_extended_data_block_t* find_extended_block(uint8_t extended_tag) const;
   bool has_block(uint8_t block_tag) const { return find_block(block_tag) != nullptr; }

@@ -17,7 +17,7 @@ namespace edid_lib {
 ///     ..   if byte 8 tells of HDMI video: 3D flags; lengths of the lists of HDMI VICs (bits 5 to 7) and of 3D
 ///          structures (bits 0 to 4); and the lists
 ///
-/// Setters make the block as long as they need it, unless they say otherwise; one without bytes stays without.
+/// Setters make the block as long as they need it, unless they say otherwise; one without bytes gets no tag by that.
 class cta_hdmi_vsdb_t final : public cta_vendor_specific_data_block_t {
  public:
   static constexpr uint32_t own_ieee_id = 0x000C03;

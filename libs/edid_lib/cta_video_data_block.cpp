@@ -31,11 +31,7 @@ void cta_video_data_block_t::accept(visitor_t* visitor, bool forward) {
   }
 }
 
-void cta_video_data_block_t::clear() {
-  if (!data.empty()) {
-    resize(1);
-  }
-}
+void cta_video_data_block_t::clear() { resize(1); }
 
 bool cta_video_data_block_t::add(const vid_resolution_t& mode) {
   const uint32_t vic = has_room() ? cta_vic(mode) : no_timing_number;

@@ -27,7 +27,7 @@ class cta_video_data_block_t final : public cta_data_block_t {
   uint8_t tag() const override { return own_tag; }
   std::unique_ptr<cta_data_block_t> clone() const override { return std::make_unique<cta_video_data_block_t>(*this); }
 
-  /// Leaves no entries. Nothing for a block without bytes.
+  /// Leaves the first byte alone, telling of no entries. In a block without bytes it is 0, which is another tag.
   void clear() override;
   void accept(visitor_t* visitor, bool forward) override;
 
@@ -38,7 +38,7 @@ class cta_video_data_block_t final : public cta_data_block_t {
   /// The same, behind what is in `list`.
   void append_modes(std::vector<vid_resolution_t>& list) const;
 
-  /// Whether there is room for another entry; never in a block without bytes, which has no tag either.
+  /// Whether there is room for another entry; never in a block without bytes, which has nowhere to tell its length.
   bool has_room() const { return size() > 0 && size() < largest_size; }
 
   /// Appends the code of `mode`, not marked native. False without change if there is no room, or no code.

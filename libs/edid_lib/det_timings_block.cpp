@@ -46,11 +46,9 @@ bool det_timings_block_t::add(const vid_resolution_t& mode) {
     return false;
   }
   const auto entry_bytes = encode_detailed_entry(mode);
-  if (!entry_bytes) {
-    return false;
-  }
-  std::copy(entry_bytes->begin(), entry_bytes->end(), data.begin() + static_cast<std::ptrdiff_t>(at));
-  return true;
+  const detailed_entry_t stored = entry_bytes.value_or(detailed_entry_t{});
+  std::copy(stored.begin(), stored.end(), data.begin() + static_cast<std::ptrdiff_t>(at));
+  return entry_bytes.has_value();
 }
 
 std::vector<vid_resolution_t> det_timings_block_t::modes() const {

@@ -50,8 +50,9 @@ class det_timings_block_t final : public edid_block_t {
   /// The same, behind what is in `list`.
   void append_modes(std::vector<vid_resolution_t>& list) const;
 
-  /// Writes `mode` behind the entries in use, of which there are `count()`. False without change if there is no room
-  /// left, or `encode_detailed_entry` has no entry for it.
+  /// Writes `mode` at the place behind as many entries as there are in use, `count()`; what stood there is lost. False
+  /// without change if there is no room left. False with zeros at that place if `encode_detailed_entry` has no entry
+  /// for the mode.
   bool add(const vid_resolution_t& mode);
 
  private:

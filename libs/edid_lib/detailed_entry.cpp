@@ -147,9 +147,6 @@ std::optional<detailed_entry_t> encode_detailed_entry(const vid_resolution_t& mo
   detailed_entry_t entry{};
   entry[0] = low(timing.pixel_clock_khz / 10);
   entry[1] = low(timing.pixel_clock_khz / 10 >> 8);
-  if (!has_clock(entry)) {
-    return std::nullopt;
-  }
   store(entry,
         {timing.h_active, timing.h_total - timing.h_active, timing.h_sync_start - timing.h_active,
          timing.h_sync_end - timing.h_sync_start},
@@ -158,7 +155,7 @@ std::optional<detailed_entry_t> encode_detailed_entry(const vid_resolution_t& mo
   entry[12] = low(mode.h_image_mm);
   entry[13] = low(mode.v_image_mm);
   entry[14] = upper_nibbles(mode.h_image_mm, mode.v_image_mm);
-  // Both, as this appliance's EDIDs have always had it.
+  // Both are the horizontal one, deliberately.
   entry[15] = low(mode.h_border);
   entry[16] = low(mode.h_border);
   entry[17] = flags_byte(timing.flags);

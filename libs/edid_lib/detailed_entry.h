@@ -24,8 +24,9 @@ std::optional<vid_resolution_t> decode_detailed_entry(detailed_entry_view_t entr
 
 /// The entry that tells `mode`: its own timing, or the one that the tables have for it, and its image size. Numbers
 /// lose the high bits that an entry has no room for. Lines are those of the frame, also of interlaced modes. Both
-/// border bytes are the horizontal border; that is deliberate, the vertical one is not told. Nothing for a mode without
-/// timing, larger than 4095 on a side, or with a clock that an entry would tell as none.
+/// border bytes are the horizontal border; that is deliberate, the vertical one is not told. A clock below 10 kHz, or
+/// one that loses all of its bits, makes an entry that tells no clock. Nothing for a mode without timing or larger than
+/// 4095 on a side.
 std::optional<detailed_entry_t> encode_detailed_entry(const vid_resolution_t& mode);
 
 }  // namespace edid_lib

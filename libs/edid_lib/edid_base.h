@@ -106,7 +106,8 @@ class edid_base_t final : public edid_block_t {
   uint8_t v_size_cm() const { return byte(22); }
   void set_v_size_cm(uint8_t centimetres) { set_byte(22, centimetres); }
 
-  /// 1.0 to 3.55, the last meaning none. What is outside 1.0 to 3.54 is not stored.
+  /// 1.0 to 3.55, the last meaning none. Setting rounds to the nearest hundredth; what is outside 1.0 to 3.54 is not
+  /// stored.
   float gamma() const;
   void set_gamma(float gamma);
 

@@ -4,7 +4,7 @@
 
 namespace edid_lib {
 
-/// A named question about a value, with yes or no for an answer.
+/// A named question about a value, with yes or no for an answer. Never changes once it is made: any thread may ask.
 template <typename T>
 class filter {
  public:

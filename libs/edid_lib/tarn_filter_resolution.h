@@ -31,6 +31,8 @@ enum class refusal_reason_t : uint32_t {
 /// Which modes the appliance can use: the configuration of a chain of filters. A mode passes if every filter accepts
 /// it. Nominal rates outside 23.5 to 60.5 never pass. Without limits next to nothing does: as these are made, both are
 /// modes of no size.
+///
+/// A value without locks. Each call builds a chain of its own, so any threads may ask one that nobody changes.
 struct tarn_filter_resolution_t {
   bool allow_interlaced = false;
   bool allow_non_square = false;
@@ -49,13 +51,14 @@ struct tarn_filter_resolution_t {
   /// Removes the modes that do not pass; the others keep their order.
   void filter(std::vector<vid_resolution_t>& modes) const;
 
-  /// The modes of `edid` that pass, best first.
+  /// The modes of `edid` that pass, best first. Changes nothing in it.
   std::vector<vid_resolution_t> modes(edid_t& edid) const;
 
   /// `edid` with just the modes that pass; 640x480@60 if none does.
   edid_t filtered_edid(const edid_t& edid) const;
 
-  /// What `visitor_renderer_t` says of `edid`, and what becomes of each of its modes, best first. For people.
+  /// What `visitor_renderer_t` says of `edid`, and what becomes of each of its modes, best first. For people. Changes
+  /// nothing in it.
   std::string report(edid_t& edid) const;
 
   /// "Above Max Supported Format"; empty for a number without meaning.

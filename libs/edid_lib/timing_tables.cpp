@@ -24,8 +24,6 @@ float as_printed(float value) {
   return read_back;
 }
 
-bool has_aspect_in_key(const vid_resolution_t& mode) { return mode.pixel_aspect_x != 1 || mode.pixel_aspect_y != 1; }
-
 }  // namespace
 
 /// The aspect is left out: it tells only pairs apart.
@@ -39,7 +37,7 @@ std::size_t timing_table_t::mode_name_t::hash() const {
 
 timing_table_t::mode_name_t timing_table_t::name_of(const vid_resolution_t& mode, float rate) {
   mode_name_t name{mode.width, mode.height, rate, 1, 1, mode.interlaced, mode.reduced_blanking};
-  if (has_aspect_in_key(mode)) {
+  if (mode.has_aspect_in_text()) {
     name.pixel_aspect_x = as_printed(mode.pixel_aspect_x);
     name.pixel_aspect_y = as_printed(mode.pixel_aspect_y);
   }
@@ -78,7 +76,7 @@ std::size_t timing_table_t::slot_of(const mode_name_t& name) const {
 
 const timing_row_t* timing_table_t::find(const vid_resolution_t& mode) const {
   const mode_name_t name = name_of(mode, mode.nominal_fps());
-  if (has_aspect_in_key(mode) && name.pixel_aspect_x == 1 && name.pixel_aspect_y == 1) {
+  if (mode.has_aspect_in_text() && name.pixel_aspect_x == 1 && name.pixel_aspect_y == 1) {
     return nullptr;  // just off 1:1: its key ends in " 1:1", and no row's does
   }
   return slots[slot_of(name)].row;

@@ -11,8 +11,10 @@ namespace edid_lib {
 
 /// A row of a timing table.
 struct timing_row_t {
-  std::string_view key;  ///< The mode's name, as `vid_resolution_t::key()` gives it.
-  uint32_t number;       ///< Bit index, video identification code or HDMI VIC; row number in the DMT table.
+  /// The mode's name, as `vid_resolution_t::key()` gives it. No mode has the key of a row at 65 or 100 Hz, which are no
+  /// nominal rates, and no parsed one that of video code 39, whose "RB" is read as a pixel aspect, too.
+  std::string_view key;
+  uint32_t number;  ///< Bit index, video identification code or HDMI VIC; row number in the DMT table.
   vid_timing_t timing;
 };
 
@@ -20,7 +22,7 @@ struct timing_row_t {
 /// and never change, so any thread may read them.
 class timing_table_t {
  public:
-  /// `table_rows` live as long as the table and are numbered one by one from the first.
+  /// `table_rows` live as long as the table and are numbered one by one from the first. At least one.
   explicit timing_table_t(std::span<const timing_row_t> table_rows);
 
   /// The row whose key is `mode.key()`, or null. Makes no text.

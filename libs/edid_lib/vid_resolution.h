@@ -35,18 +35,25 @@ enum class timing_location_t : uint32_t {
 /// Modes compare by width, then height, then the text of their nominal rate; nothing else takes part. Rates compare
 /// as text on purpose: "60" is greater than "120".
 struct vid_resolution_t {
-  int32_t width = 0;
-  int32_t height = 0;
-  float fps = 0;  ///< As parsed or computed; names and comparisons use `nominal_fps()`.
-  float pixel_aspect_x = 1;
-  float pixel_aspect_y = 1;
+  int32_t width = 0;   ///< Active pixels.
+  int32_t height = 0;  ///< Active lines, of the whole frame also when interlaced.
+
+  /// Hz: as the text told, or computed from a timing, then frames a second also when interlaced. Names and comparisons
+  /// use `nominal_fps()`.
+  float fps = 0;
+
+  float pixel_aspect_x = 1;  ///< Width of a pixel
+  float pixel_aspect_y = 1;  ///< to its height. 1 and 1 unless a text told otherwise.
   bool reduced_blanking = false;
   bool interlaced = false;
-  bool preferred = false;
+  bool preferred = false;  ///< By the display, or by the text.
+
+  // What a detailed timing tells besides; 0 in modes from elsewhere.
   uint32_t h_image_mm = 0;
   uint32_t v_image_mm = 0;
-  uint32_t h_border = 0;
-  uint32_t v_border = 0;
+  uint32_t h_border = 0;  ///< Pixels on either side.
+  uint32_t v_border = 0;  ///< Lines above and below.
+
   timing_type_t type = timing_type_t::undefined;
   timing_location_t location = timing_location_t::undefined;
   std::string comment;  ///< Closes the display form.
@@ -80,6 +87,9 @@ struct vid_resolution_t {
 
   /// `to_string()` as it stands in a list of modes, with " (preferred)" behind it where that holds.
   std::string list_text() const;
+
+  /// Whether key and display form tell the pixel aspect: they do unless both of its sides are 1.
+  bool has_aspect_in_text() const { return pixel_aspect_x != 1 || pixel_aspect_y != 1; }
 
   /// The reduced picture aspect, "16:9"; "1:0" for a mode without height, "0:0" for one without size.
   std::string aspect_ratio() const;

@@ -12,17 +12,11 @@
 #include <tuple>
 #include <utility>
 
+#include "edid_lib/ascii_case.h"
 #include "edid_lib/vid_resolution.h"
 
 namespace edid_lib {
 namespace {
-
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool contains_word(std::string_view text, std::string_view word) {
-  const auto same = [](char a, char b) { return lower(a) == lower(b); };
-  return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();
-}
 
 /// Takes the next word off `text`; empty when there is none left.
 std::string_view take_word(std::string_view& text) {
@@ -115,25 +109,29 @@ void parse_picture(std::string_view word, vid_resolution_t& mode) {
 }
 
 void parse_suffix(std::string_view word, vid_resolution_t& mode) {
-  mode.reduced_blanking = contains_word(word, reduced_blanking_word);
+  mode.reduced_blanking = contains_ignoring_case(word, reduced_blanking_word);
   std::tie(mode.pixel_aspect_x, mode.pixel_aspect_y) = parse_aspect(word);
-  mode.preferred = contains_word(word, preferred_word);
+  mode.preferred = contains_ignoring_case(word, preferred_word);
 }
 
 /// Puts a text together without going to the heap for each piece.
 class text_buffer_t {
  public:
-  void add(std::string_view text) { end = std::copy(text.begin(), text.end(), end); }
-  void add(int32_t number) { end = std::to_chars(end, std::end(characters), number).ptr; }
+  void add(std::string_view text) { used += text.copy(characters + used, sizeof characters - used); }
+  void add(int32_t number) { end_at(std::to_chars(characters + used, std::end(characters), number).ptr); }
 
   /// As a stream writes it: at most six digits, and no point behind a whole number.
-  void add(float number) { end = std::to_chars(end, std::end(characters), number, std::chars_format::general, 6).ptr; }
+  void add(float number) {
+    end_at(std::to_chars(characters + used, std::end(characters), number, std::chars_format::general, 6).ptr);
+  }
 
-  std::string text() const { return {characters, static_cast<std::size_t>(end - characters)}; }
+  std::string text() const { return {characters, used}; }
 
  private:
+  void end_at(const char* end) { used = static_cast<std::size_t>(end - characters); }
+
   char characters[80] = {};  ///< Two numbers, a rate and two aspects, the longest of them.
-  char* end = characters;
+  std::size_t used = 0;
 };
 
 text_buffer_t picture_text(const vid_resolution_t& mode, std::string_view progressive, std::string_view interlaced) {
@@ -148,10 +146,6 @@ text_buffer_t picture_text(const vid_resolution_t& mode, std::string_view progre
     buffer.add(reduced_blanking_word);
   }
   return buffer;
-}
-
-bool has_square_pixels_by_default(const vid_resolution_t& mode) {
-  return mode.pixel_aspect_x == 1 && mode.pixel_aspect_y == 1;
 }
 
 /// Cuts the fraction off. What a 32-bit number does not hold becomes the nearest that it does; not a number is 0.
@@ -181,7 +175,7 @@ vid_resolution_t::vid_resolution_t(std::string_view text) {
 
 std::string vid_resolution_t::key() const {
   text_buffer_t buffer = picture_text(*this, "@", "i@");
-  if (!has_square_pixels_by_default(*this)) {
+  if (has_aspect_in_text()) {
     buffer.add(" ");
     buffer.add(pixel_aspect_x);
     buffer.add(":");
@@ -192,7 +186,7 @@ std::string vid_resolution_t::key() const {
 
 std::string vid_resolution_t::to_string() const {
   std::string text = picture_text(*this, "p", "i").text();
-  if (!has_square_pixels_by_default(*this)) {
+  if (has_aspect_in_text()) {
     text += " " + aspect_ratio();
   }
   if (!comment.empty()) {

@@ -1,11 +1,11 @@
 #include "edid_lib/vid_timing.h"
 
-#include <strings.h>
-
 #include <istream>
 #include <ostream>
 #include <sstream>
 #include <string>
+
+#include "edid_lib/ascii_case.h"
 
 namespace edid_lib {
 namespace {
@@ -29,7 +29,7 @@ std::ostream& operator<<(std::ostream& out, const vid_timing_t& timing) {
 std::istream& operator>>(std::istream& in, vid_timing_t& timing) {
   std::string name;
   std::getline(in, name, '{');
-  if (strcasecmp(name.c_str(), "vid_timing_t") != 0) {
+  if (!same_ignoring_case(name, "vid_timing_t")) {
     return in;
   }
   std::string numbers;

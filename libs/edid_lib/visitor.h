@@ -24,6 +24,9 @@ class cta_ycc_420_capability_exdb_t;
 
 /// Walks over an EDID. Each block calls the one visit of its class, every visit does nothing unless overridden, and
 /// `forward` tells the pass. Vendor and extended blocks without a visit of their own come as `cta_data_block_t`.
+///
+/// A walk never shows null, but a visit bears it: it does nothing then. What is visited belongs to the EDID and lives
+/// as long as that is not changed.
 class visitor_t {
  public:
   virtual ~visitor_t() = default;

@@ -134,11 +134,13 @@ void visitor_renderer_t::visit(base_descriptor_block_t* block, bool forward) {
     start(*block);
     line("Offset", block->offset());
     line("Tag", hex(block->tag()));
+    codes("Bytes", block->bytes());
   }
 }
 
-void visitor_renderer_t::text_of_descriptor(const edid_block_t& block, const std::string& text) {
+void visitor_renderer_t::text_of_descriptor(const base_descriptor_block_t& block, const std::string& text) {
   start(block);
+  line("Offset", block.offset());
   line("Text", printable(text));
 }
 

@@ -53,7 +53,7 @@ class visitor_renderer_t final : public visitor_t {
   void line(std::string_view label, uint32_t value);
   void flag(std::string_view label, bool value) { line(label, value ? "yes" : "no"); }
   void modes(const std::vector<vid_resolution_t>& list);
-  void text_of_descriptor(const edid_block_t& block, const std::string& text);
+  void text_of_descriptor(const base_descriptor_block_t& block, const std::string& text);
   void dump(const edid_block_t& block);
   void codes(std::string_view label, std::span<const uint8_t> list);
   void deep_color(const cta_hdmi_vsdb_t& block);

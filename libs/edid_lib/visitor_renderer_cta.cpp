@@ -109,6 +109,7 @@ void visitor_renderer_t::visit(cta_hdmi_vsdb_t* block, bool forward) {
   line("Max TMDS clock in MHz", block->max_tmds_mhz());
   flag("Latencies", block->latency_present());
   flag("Interlaced latencies", block->interlaced_latency_present());
+  flag("HDMI video", block->hdmi_video_present());
   codes("HDMI VICs", block->hdmi_vics());
   modes(block->modes());
 }

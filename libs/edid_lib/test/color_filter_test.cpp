@@ -11,16 +11,19 @@ constexpr color_format_t rgb = {color_standard_t::bt_709, color_encoding_t::rgb,
 
 }  // namespace
 
-TEST(ColorFilter, AcceptsTheFormatsOfItsListInEveryField) {
+TEST(ColorFilter, AcceptsTheFormatsOfItsList) {
   const color_filter filter({color_format_t{}, rgb});
   EXPECT_TRUE(filter.accept(rgb));
   EXPECT_TRUE(filter.accept({}));
-  color_format_t other = rgb;
-  other.colorimetry = color_standard_t::bt_601;
-  EXPECT_FALSE(filter.accept(other));
-  other = rgb;
-  other.depth = color_depth_t::bits_30;
-  EXPECT_FALSE(filter.accept(other));
+}
+
+TEST(ColorFilter, RefusesAFormatThatDiffersInOneField) {
+  const color_filter filter({color_format_t{}, rgb});
+  EXPECT_FALSE(filter.accept({color_standard_t::bt_601, rgb.encoding, rgb.chroma, rgb.range, rgb.depth}));
+  EXPECT_FALSE(filter.accept({rgb.colorimetry, color_encoding_t::ycc, rgb.chroma, rgb.range, rgb.depth}));
+  EXPECT_FALSE(filter.accept({rgb.colorimetry, rgb.encoding, chroma_sampling_t::yuv_422, rgb.range, rgb.depth}));
+  EXPECT_FALSE(filter.accept({rgb.colorimetry, rgb.encoding, rgb.chroma, color_range_t::limited, rgb.depth}));
+  EXPECT_FALSE(filter.accept({rgb.colorimetry, rgb.encoding, rgb.chroma, rgb.range, color_depth_t::bits_30}));
 }
 
 TEST(ColorFilter, WithoutAListAcceptsNothing) { EXPECT_FALSE(color_filter({}).accept({})); }

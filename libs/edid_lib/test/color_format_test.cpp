@@ -83,6 +83,11 @@ TEST(ColorFormat, AnotherNameLeavesTheValueAsItIs) {
   EXPECT_EQ(read("", video), video);
 }
 
+TEST(ColorFormat, ATextWithANulIsAnother) {
+  EXPECT_EQ(read(std::string("color_format_t\0{BT.601,YCC}", 28), video), video);
+  EXPECT_EQ(color_value<color_encoding_t>(std::string_view("RGB\0", 4)), color_encoding_t::unspecified);
+}
+
 TEST(ColorFormat, MissingWordsAreTheDefaultAndFurtherOnesAreLeftOut) {
   EXPECT_EQ(read("color_format_t{BT.709,RGB", video), (color_format_t{video.colorimetry, video.encoding, {}, {}, {}}));
   EXPECT_EQ(read("color_format_t{}", video), color_format_t{});

@@ -218,6 +218,14 @@ TEST(CtaExtension, OffsetFollowsTheLengthsThatTheBlocksTell) {
   EXPECT_EQ(block.detailed_offset(), 11);
 }
 
+TEST(CtaExtension, OffsetCountsTheLengthThatABlockTellsNotTheOneThatItHas) {
+  const std::vector<uint8_t> bytes(123, 0x5F);  // four blocks of 31 entries, but only 27 of the last are there
+  cta_extension_t block(extension(127, bytes));
+  ASSERT_EQ(block.data_blocks().back()->size(), 28U);
+  block.refresh_offset();
+  EXPECT_EQ(block.detailed_offset(), 4 + 4 * 32);
+}
+
 TEST(CtaExtension, PutTogetherUntouchedItIsAsItWasButForTheChecksum) {
   auto rest = data_block(2, {16, 31});
   const auto colorimetry = data_block(7, {5, 1, 0});
@@ -327,12 +335,17 @@ TEST(CtaExtension, ACopyOfABlockOfAnotherIdOrTagStaysInvalid) {
   }
 }
 
-TEST(CtaExtension, AResetForgetsEverything) {
+TEST(CtaExtension, AResetLeavesNothing) {
   cta_extension_t block(extension(6, data_block(2, {16}), 0xF1));
   block.detailed();
   block.reset();
-  EXPECT_TRUE(block.valid());
+  EXPECT_EQ(block.size(), 0U);
+  EXPECT_FALSE(block.valid());
   EXPECT_TRUE(block.data_blocks().empty());
   EXPECT_EQ(block.detailed_timings(), nullptr);
-  EXPECT_EQ(block.byte(3), 0);
+  block.set_underscan(true);
+  block.refresh_offset();
+  EXPECT_EQ(block.size(), 0U);
+  EXPECT_EQ(names_of(block), (names_t{"CTA Extension"}));
+  EXPECT_EQ(cta_extension_t(block.assemble()).byte(3), 0);
 }

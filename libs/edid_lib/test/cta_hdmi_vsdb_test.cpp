@@ -154,15 +154,25 @@ TEST(CtaHdmiVsdb, GreatestTmdsClockIsInStepsOf5) {
   EXPECT_EQ(block.max_tmds_mhz(), 1275U);
 }
 
-TEST(CtaHdmiVsdb, WithoutBytesItTakesNothing) {
+TEST(CtaHdmiVsdb, CapabilitiesMakeABlockWithoutBytesLongEnoughToo) {
   cta_hdmi_vsdb_t block;
   block.reset();
   block.set_supports_ai(true);
-  block.set_dvi_dual(true);
+  EXPECT_EQ(block.size(), 7U);
+  EXPECT_EQ(block.byte(0), 6) << "the length without the tag";
+  EXPECT_TRUE(block.supports_ai());
+  EXPECT_FALSE(block.valid());
   block.set_max_tmds_mhz(300);
+  EXPECT_EQ(block.size(), 8U);
+  EXPECT_EQ(block.max_tmds_mhz(), 300U);
+}
+
+TEST(CtaHdmiVsdb, ABlockWithoutBytesTakesNoPhysicalAddress) {
+  cta_hdmi_vsdb_t block;
+  block.reset();
   block.set_physical_address(0x1000);
+  block.set_hdmi_video_present(true);
   EXPECT_EQ(block.size(), 0U);
-  EXPECT_EQ(block.max_tmds_mhz(), 0U);
 }
 
 TEST(CtaHdmiVsdb, WhatIsToldOfAreThreeBits) {

@@ -116,13 +116,21 @@ TEST(CtaVideoDataBlock, ClearLeavesNoCodes) {
   EXPECT_TRUE(block.modes().empty());
 }
 
-TEST(CtaVideoDataBlock, WithoutBytesItHasNoTagAndTakesNoCode) {
+TEST(CtaVideoDataBlock, WithoutBytesItTakesNoCode) {
   cta_video_data_block_t block(data_block(2, {16, 31}));
   block.reset();
   EXPECT_FALSE(block.has_room());
   EXPECT_FALSE(block.add(vid_resolution_t("1920x1080@60")));
-  block.clear();
   EXPECT_EQ(block.size(), 0U);
+  EXPECT_FALSE(block.valid());
+}
+
+TEST(CtaVideoDataBlock, ClearedWithoutBytesItHasOneThatTellsOfNoCodesButNotTheTag) {
+  cta_video_data_block_t block(data_block(2, {16, 31}));
+  block.reset();
+  block.clear();
+  EXPECT_EQ(block.size(), 1U);
+  EXPECT_EQ(block.byte(0), 0);
   EXPECT_FALSE(block.valid());
 }
 

@@ -140,6 +140,23 @@ TEST(DetTimingsBlock, OtherInterlacedTimingsAreTakenAsTheyAre) {
   EXPECT_TRUE(mode.interlaced);
 }
 
+TEST(DetTimingsBlock, AFieldIsKnownByWidthAndHeightTogether) {
+  for (const auto& [width, height] : {std::pair(1280U, 540U), std::pair(1024U, 240U), std::pair(1920U, 288U)}) {
+    const auto entry =
+        field({27000, width, width + 10, width + 20, width + 30, height, height + 2, height + 5, height + 22, 10});
+    const vid_resolution_t mode = modes_of(entry).at(0);
+    EXPECT_EQ(mode.height, static_cast<int32_t>(height)) << width;
+    EXPECT_EQ(mode.timing.v_sync_end, height + 5) << width;
+    EXPECT_EQ(mode.timing.v_total, height + 22) << width;
+    EXPECT_TRUE(mode.interlaced);
+  }
+}
+
+TEST(DetTimingsBlock, AFieldIsMadeLongEnoughForItsSyncPulseBeforeItBecomesAFrame) {
+  const vid_resolution_t mode = modes_of(field({74250, 1920, 2008, 2052, 2200, 540, 542, 547, 545, 5})).at(0);
+  EXPECT_EQ(mode.timing, (vid_timing_t{74250, 1920, 2008, 2052, 2200, 1080, 1084, 1094, 2 * 548 + 1, 21}));
+}
+
 TEST(DetTimingsBlock, ModesComeInTheOrderOfTheEntriesThatAreTimings) {
   std::vector<uint8_t> bytes;
   for (const auto& entry : {detailed_entry(full_hd), detailed_entry_t{},
@@ -212,19 +229,40 @@ TEST(DetTimingsBlock, ModesWithoutTimingOrAbove4095AreNotAdded) {
   EXPECT_TRUE(block.add(vid_resolution_t("3840x2160@60")));
 }
 
-TEST(DetTimingsBlock, AClockThatAnEntryTellsAsNoneIsNotAdded) {
+TEST(DetTimingsBlock, AClockThatAnEntryTellsAsNoneIsWrittenAndTakesNoPlace) {
   det_timings_block_t block({}, 54, 1);
   block.clear();
-  for (const uint32_t clock : {1U, 9U, 655360U, 655369U, 2U * 655360U}) {
+  for (const uint32_t clock : {0U, 9U, 655360U, 655369U, 2U * 655360U}) {
     vid_timing_t timing = full_hd;
     timing.pixel_clock_khz = clock;
-    EXPECT_FALSE(block.add(vid_resolution_t(timing))) << clock;
+    EXPECT_TRUE(block.add(vid_resolution_t(timing))) << clock;
+    EXPECT_EQ(block.byte(2), 0x80) << clock;
+    EXPECT_EQ(block.count(), 0U) << clock;
+    EXPECT_TRUE(block.modes().empty()) << clock;
   }
-  EXPECT_EQ(block.bytes()[2], 0) << "nothing was written";
   vid_timing_t slowest = full_hd;
   slowest.pixel_clock_khz = 10;
   EXPECT_TRUE(block.add(vid_resolution_t(slowest)));
   EXPECT_EQ(block.modes().size(), 1U);
+}
+
+TEST(DetTimingsBlock, AModeWithoutAnEntryLeavesItsPlaceZeroed) {
+  std::vector<uint8_t> bytes(18, 0);
+  const auto entry = detailed_entry(full_hd);
+  bytes.insert(bytes.end(), entry.begin(), entry.end());
+  det_timings_block_t block(bytes, 54, 2);
+  EXPECT_FALSE(block.add(vid_resolution_t("4096x2160@60")));
+  EXPECT_EQ(block.size(), 36U);
+  for (const uint8_t byte : block.bytes()) {
+    EXPECT_EQ(byte, 0);
+  }
+}
+
+TEST(DetTimingsBlock, WithoutRoomNothingIsZeroed) {
+  const auto entry = detailed_entry(full_hd);
+  det_timings_block_t block(entry, 54, 1);
+  EXPECT_FALSE(block.add(vid_resolution_t("4096x2160@60")));
+  EXPECT_TRUE(std::equal(entry.begin(), entry.end(), block.bytes().begin(), block.bytes().end()));
 }
 
 TEST(DetTimingsBlock, NumbersLoseTheHighBitsThatDoNotFit) {

@@ -69,6 +69,17 @@ TEST(StdTimingsBlock, CodesNextTo1366x768MeanIt) {
   EXPECT_TRUE(modes_of(width_byte(1360), shape_16_9 | 15).empty());
 }
 
+TEST(StdTimingsBlock, CodesNextTo1366x768MeanItAtEveryRateWhoseNominalOneIs60) {
+  for (const int32_t width : {1360, 1368}) {
+    for (const uint8_t rate : {uint8_t{0}, uint8_t{1}, uint8_t{2}, uint8_t{3}}) {
+      const auto modes = modes_of(width_byte(width), shape_16_9 | rate);
+      ASSERT_EQ(modes.size(), 1U) << width << " at 60 + " << +rate;
+      EXPECT_EQ(modes[0].key(), "1366x768@60");
+    }
+    EXPECT_TRUE(modes_of(width_byte(width), shape_16_9 | 4).empty()) << "64 is nearer to 67";
+  }
+}
+
 TEST(StdTimingsBlock, FullHdHasTheNumbersOfDmt) {
   const auto modes = modes_of(0xD1, 0xC0);
   ASSERT_EQ(modes.size(), 1U);

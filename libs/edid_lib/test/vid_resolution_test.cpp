@@ -20,7 +20,50 @@ vid_resolution_t mode(int32_t width, int32_t height, float fps) {
   return {width, height, timing_type_t::undefined, timing_location_t::undefined, fps};
 }
 
+/// Every field but size, rate and scan is what it is when nothing is told.
+void expect_no_more_than_a_picture(const vid_resolution_t& made) {
+  EXPECT_EQ(made.pixel_aspect_x, 1);
+  EXPECT_EQ(made.pixel_aspect_y, 1);
+  EXPECT_FALSE(made.reduced_blanking);
+  EXPECT_FALSE(made.preferred);
+  EXPECT_EQ(made.h_image_mm, 0U);
+  EXPECT_EQ(made.v_image_mm, 0U);
+  EXPECT_EQ(made.h_border, 0U);
+  EXPECT_EQ(made.v_border, 0U);
+  EXPECT_EQ(made.type, timing_type_t::undefined);
+  EXPECT_EQ(made.location, timing_location_t::undefined);
+  EXPECT_EQ(made.comment, "");
+  EXPECT_FALSE(made.timing.known());
+}
+
 }  // namespace
+
+TEST(VidResolution, ConstructorsSetWhatTheyAreToldAndNothingElse) {
+  expect_no_more_than_a_picture(vid_resolution_t());
+  expect_no_more_than_a_picture(vid_resolution_t(""));
+  expect_no_more_than_a_picture(vid_resolution_t("1920x1080i@60"));
+  expect_no_more_than_a_picture(vid_resolution_t(vid_timing_t{}));
+  vid_resolution_t typed(1920, 1080, timing_type_t::cta, timing_location_t::cta_video_data_block, 60);
+  EXPECT_EQ(typed.type, timing_type_t::cta);
+  EXPECT_EQ(typed.location, timing_location_t::cta_video_data_block);
+  EXPECT_FALSE(typed.interlaced);
+  typed.type = {};
+  typed.location = {};
+  expect_no_more_than_a_picture(typed);
+  vid_resolution_t timed(vid_timing_t{74250, 1920, 2008, 2052, 2200, 1080, 1084, 1094, 1125, 21});
+  EXPECT_TRUE(timed.timing.known());
+  timed.timing = {};
+  expect_no_more_than_a_picture(timed);
+}
+
+TEST(VidResolution, WithoutATextThereIsNoPicture) {
+  for (const vid_resolution_t& empty : {vid_resolution_t(), vid_resolution_t("")}) {
+    EXPECT_EQ(empty.width, 0);
+    EXPECT_EQ(empty.height, 0);
+    EXPECT_EQ(empty.fps, 0);
+    EXPECT_FALSE(empty.interlaced);
+  }
+}
 
 TEST(VidResolution, OfATimingHasItsSizeAndItsFrameRate) {
   const vid_resolution_t made(vid_timing_t{148500, 1920, 2008, 2052, 2200, 1080, 1084, 1089, 1125, 5});
@@ -46,7 +89,7 @@ TEST(VidResolution, OfATimingWithoutTotalsHasNoRate) {
   EXPECT_EQ(vid_resolution_t(timing).fps, 0);
 }
 
-TEST(VidResolution, OfATimingWithAClockThatDoesNotFitInHertzWrapsAsTheHardwareDoes) {
+TEST(VidResolution, OfATimingWithAClockThatDoesNotFitInHertzWrapsAt32Bits) {
   const vid_resolution_t made(vid_timing_t{4294968, 1000, 0, 0, 1000, 1000, 0, 0, 1000, 0});
   EXPECT_FLOAT_EQ(made.fps, 704.0F / 1000 / 1000);
 }

@@ -41,6 +41,10 @@ TEST(VidTiming, ReadsItsNameInAnyCase) {
   EXPECT_EQ(read("VID_Timing_T{148500 1920 2008 2052 2200 1080 1084 1089 1125 5}"), full_hd);
 }
 
+TEST(VidTiming, ANameWithANulIsAnotherName) {
+  EXPECT_EQ(read(std::string("vid_timing_t\0anything{ 1 2 3 }", 31), full_hd), full_hd);
+}
+
 TEST(VidTiming, AnotherNameLeavesTheValueAsItIs) { EXPECT_EQ(read("vid_info_t{ 1 2 3 }", full_hd), full_hd); }
 
 TEST(VidTiming, FieldsWithoutANumberKeepTheirValues) {

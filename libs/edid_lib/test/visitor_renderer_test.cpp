@@ -106,10 +106,11 @@ TEST(VisitorRenderer, TellsDescriptorsByTextOrTag) {
                              .descriptor(90, 0xFF, "S-12")
                              .descriptor(108, 0xFE, "tel\tet\xFFxt")
                              .build()),
-               {"Base Monitor Name Descriptor", "  Text: My Display", "Base Monitor Serial Descriptor", "  Text: S-12",
-                "Base ASCII String Descriptor", "  Text: tel.et.xt"});
-  expect_lines(report_of(edid_builder_t().descriptor(72, 0xFD, "").build()),
-               {"Base Monitor Range Descriptor", "  Tag: 0xfd"});
+               {"Base Monitor Name Descriptor", "  Offset: 72", "  Text: My Display", "Base Monitor Serial Descriptor",
+                "  Offset: 90", "  Text: S-12", "Base ASCII String Descriptor", "  Offset: 108", "  Text: tel.et.xt"});
+  expect_lines(
+      report_of(edid_builder_t().descriptor(72, 0xFD, "").byte(77, 56).byte(78, 75).build()),
+      {"Base Monitor Range Descriptor", "  Tag: 0xfd", "  Bytes: 0 0 0 253 0 56 75 32 32 32 32 32 32 32 32 32 32 32 "});
 }
 
 TEST(VisitorRenderer, TellsTheFlagsOfTheExtension) {
@@ -130,10 +131,10 @@ TEST(VisitorRenderer, TellsHdmiVendorBlocks) {
                                  data_block(3, {0xD8, 0x5D, 0xC4, 1, 120, 0x88, 0x03})}),
                {"CTA HDMI Vendor-Specific Data Block", "  Physical address: 2.1.3.f", "  Supports AI: yes",
                 "  Deep color: 36 bit 30 bit YCC 4:4:4 ", "  DVI dual: yes", "  Max TMDS clock in MHz: 300",
-                "  Latencies: yes", "  Interlaced latencies: no", "  HDMI VICs: 3 9 ", "  3840x2160p24",
-                "CTA HDMI Forum Vendor-Specific Data Block", "  Max TMDS character rate in MHz: 600", "  SCDC: yes",
-                "  Scrambling up to 340 MHz: yes", "  4:2:0 36 bit: yes", "  4:2:0 48 bit: no"});
-  expect_lines(report_of_blocks({data_block(3, {0x03, 0x0C, 0})}), {"  Physical address: none"});
+                "  Latencies: yes", "  Interlaced latencies: no", "  HDMI video: yes", "  HDMI VICs: 3 9 ",
+                "  3840x2160p24", "CTA HDMI Forum Vendor-Specific Data Block", "  Max TMDS character rate in MHz: 600",
+                "  SCDC: yes", "  Scrambling up to 340 MHz: yes", "  4:2:0 36 bit: yes", "  4:2:0 48 bit: no"});
+  expect_lines(report_of_blocks({data_block(3, {0x03, 0x0C, 0})}), {"  Physical address: none", "  HDMI video: no"});
 }
 
 TEST(VisitorRenderer, TellsExtendedBlocks) {

@@ -44,7 +44,8 @@ Examples:
 
 Exit status:
   0  done
-  1  a FILE cannot be read, or a text is no mode and there is no --json
+  1  a FILE cannot be read; OUT or standard output cannot be written; without
+     --json also a TEXT that is no mode or no colour format
   2  wrong use)";
 
 constexpr const char* report_footer = R"(Each block with its fields, then the whole list of modes in the order in which

@@ -85,6 +85,6 @@ std::string utf8_of_bytes(std::string_view bytes) {
   return text;
 }
 
-std::string line_of(const json_t& value) { return value.dump(-1, ' ', false, json_t::error_handler_t::replace); }
+std::string line_of(const json_t& value) { return value.dump(-1, ' ', true, json_t::error_handler_t::replace); }
 
 }  // namespace vgnctl

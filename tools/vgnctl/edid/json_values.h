@@ -30,7 +30,8 @@ json_t keys_of(const std::vector<edid_lib::vid_resolution_t>& modes);
 /// Bytes that a display calls text, as UTF-8: a character for each byte, U+0000 to U+00FF.
 std::string utf8_of_bytes(std::string_view bytes);
 
-/// The value on a line of its own, without its line feed. Texts that are no UTF-8 have U+FFFD where they are not.
+/// The value on a line of its own, without its line feed. All of it is printable ASCII: what a display calls text can
+/// steer no terminal. Texts that are no UTF-8 have U+FFFD where they are not.
 std::string line_of(const json_t& value);
 
 }  // namespace vgnctl

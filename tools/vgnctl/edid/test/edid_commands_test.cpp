@@ -264,6 +264,16 @@ TEST_F(EdidCommands, RewriteFailsWhereTheFileCannotBeWritten) {
   EXPECT_EQ(outcome.error, "vgnctl: /tmp/none/out: No such file or directory\n");
 }
 
+TEST_F(EdidCommands, RewriteHasNoValueWhereTheFileCannotBeWritten) {
+  const auto outcome = run("edid rewrite --json /tmp/tv -o /tmp/none/out");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.error, "vgnctl: /tmp/none/out: No such file or directory\n");
+  const auto written = run("edid rewrite --json /tmp/tv -o /tmp/filtered");
+  EXPECT_EQ(written.status, 0);
+  EXPECT_EQ(written.out, run("edid rewrite --json /tmp/tv").out);
+}
+
 TEST_F(EdidCommands, BadUsageIsStatusTwoWithoutOutput) {
   for (const char* arguments : {"",
                                 "modes",

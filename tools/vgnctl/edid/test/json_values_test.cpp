@@ -88,7 +88,7 @@ TEST(JsonMode, TellsWhatIsParsed) {
 
 TEST(JsonBytesAsText, HaveACharacterForEachByte) {
   EXPECT_EQ(utf8_of_bytes("TV \x80\xFF"), "TV \xC2\x80\xC3\xBF");
-  EXPECT_EQ(line_of(utf8_of_bytes(std::string_view("A\0\n\x1F\x7F\xE9", 6))), "\"A\\u0000\\n\\u001f\x7F\xC3\xA9\"");
+  EXPECT_EQ(line_of(utf8_of_bytes(std::string_view("A\0\n\x1F\x7F\xE9", 6))), "\"A\\u0000\\n\\u001f\\u007f\\u00e9\"");
   for (int byte = 0; byte < 256; ++byte) {
     const std::string text(1, static_cast<char>(byte));
     const auto read = json_t::parse(line_of(utf8_of_bytes(text))).get<std::string>();
@@ -97,6 +97,18 @@ TEST(JsonBytesAsText, HaveACharacterForEachByte) {
   }
 }
 
-TEST(JsonLine, IsOneLineOfUtf8) {
-  EXPECT_EQ(line_of(json_t{{"b", "\n\xFF"}, {"a", nullptr}}), "{\"b\":\"\\n\xEF\xBF\xBD\",\"a\":null}");
+TEST(JsonBytesAsText, ArePrintedWithoutControlCharacters) {
+  for (int byte = 0; byte < 256; ++byte) {
+    const std::string line = line_of(utf8_of_bytes(std::string(1, static_cast<char>(byte))));
+    for (const char character : line) {
+      EXPECT_TRUE(character >= ' ' && character <= '~') << byte << " is " << line;
+    }
+  }
+  EXPECT_EQ(line_of(utf8_of_bytes("\x80\x9B\x9F")), "\"\\u0080\\u009b\\u009f\"");
+  EXPECT_EQ(line_of(utf8_of_bytes("\xA0\xFF")), "\"\\u00a0\\u00ff\"");
+}
+
+TEST(JsonLine, IsOneLineOfAscii) {
+  EXPECT_EQ(line_of(json_t{{"b", "\n\xFF"}, {"a", nullptr}}), "{\"b\":\"\\n\\ufffd\",\"a\":null}");
+  EXPECT_EQ(line_of("\xF0\x9F\x93\xBA"), "\"\\ud83d\\udcfa\"");
 }
