@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace lnx {
+
+/// What feeds the board: 1 the auxiliary supply, 2 to 4 power over Ethernet by `poe_power_class`, 0 neither so far.
+///
+/// The first answer but 0 is kept by the process and no file is opened for it again; 0 is asked anew next time. While
+/// the auxiliary supply is there, the files of power over Ethernet are not opened. False, with the output as it was and
+/// nothing kept, if neither supply's status can be read, or if the PoE class is needed and is no number.
+///
+/// The answer is kept without a lock: the call that finds it must not overlap with another one.
+bool read_power_source(uint32_t& out_power_class);
+
+/// 2 for a PoE class below 4 (802.3af), 3 for class 4 (802.3at), 4 for 5 and more (802.3bt). The text begins with a
+/// number, perhaps after white space and a sign; nothing if it does not, or if that is no `int`.
+std::optional<uint32_t> poe_power_class(const std::string& poe_class);
+
+}  // namespace lnx
