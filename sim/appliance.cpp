@@ -11,6 +11,8 @@ appliance_t::appliance_t(const model_t& model, const std::string& story_file)
       driver(loop.base(), testbed, tree, story, static_cast<std::size_t>(model.output_count)),
       engine(loop.base(), tree, story),
       splash(tree, story, model.output_count),
+      status_files(loop.base(), testbed.root(), tree, story),
+      ktm5030(loop.base(), testbed, tree, story, model.id == 105),
       screen(tree, story, model.output_count) {
   publish_identity(tree, model);
   for (const auto& [name, value] : daemon_environment()) {

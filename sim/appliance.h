@@ -3,12 +3,14 @@
 #include <map>
 #include <string>
 
+#include "sim/ktm5030.h"
 #include "sim/log_collector.h"
 #include "sim/model.h"
 #include "sim/property_service.h"
 #include "sim/property_tree.h"
 #include "sim/screen.h"
 #include "sim/splash_provider.h"
+#include "sim/status_files.h"
 #include "sim/story.h"
 #include "sim/streamer_driver.h"
 #include "sim/testbed.h"
@@ -46,6 +48,8 @@ class appliance_t {
   streamer_driver_t driver;
   video_engine_t engine;
   splash_provider_t splash;
+  status_files_t status_files;
+  ktm5030_t ktm5030;
   screen_t screen;
 };
 

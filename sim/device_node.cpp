@@ -125,10 +125,10 @@ void device_node_t::shared_t::count_clients(int change) {
   const zyl::lock_t lock(mutex);
   const int before = clients;
   clients += change;
-  if (clients == 0) {
+  if (clients == 0 && !calls.keeps_records) {
     drain();
   }
-  if (!gone && (before == 0) != (clients == 0)) {
+  if (!gone && calls.opened && (before == 0) != (clients == 0)) {
     calls.opened(clients != 0);
   }
 }
@@ -234,8 +234,10 @@ void device_node_t::attach() {
 
 // Last, because it sends "add", and whoever hears that opens the node. No "N:" line: it would make a node of its own.
 void device_node_t::announce(const std::string& subsystem, const std::string& sysname) {
+  const std::string minor = std::to_string(bed.take_minor());
   const std::string description = "P: /devices/platform/" + sysname + "\nE: SUBSYSTEM=" + subsystem +
-                                  "\nE: DEVNAME=" + node + "\nE: MAJOR=10\nE: MINOR=60\nA: dev=10:60\n";
+                                  "\nE: DEVNAME=" + node + "\nE: MAJOR=10\nE: MINOR=" + minor + "\nA: dev=10:" + minor +
+                                  "\n";
   glib_error_t error;
   umockdev_testbed_add_from_string(bed.handle(), description.c_str(), error.out());
   error.check("no device " + sysname);
@@ -243,7 +245,7 @@ void device_node_t::announce(const std::string& subsystem, const std::string& sy
 
 void device_node_t::feed(std::span<const uint8_t> record) {
   const zyl::lock_t lock(shared->mutex);
-  if (shared->clients > 0) {
+  if (shared->clients > 0 || shared->calls.keeps_records) {
     static_cast<void>(::write(shared->feeder.get(), record.data(), record.size()));
   }
 }

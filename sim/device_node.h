@@ -19,8 +19,10 @@ using client_writer_t = std::function<bool(size_t pointer_offset, std::span<cons
 struct device_calls_t {
   /// Answers a request: 0, or the errno it fails with. `record` is the client's, and goes back to it on success.
   std::function<int(uint32_t request, std::span<uint8_t> record, const client_writer_t& write)> request;
-  /// The first client has opened the node, or the last one has closed it.
-  std::function<void(bool open)> opened;
+  /// The first client has opened the node, or the last one has closed it. May be empty.
+  std::function<void(bool open)> opened = {};
+  /// Whether what is fed waits for the next client while there is none.
+  bool keeps_records = false;
 };
 
 /// A character device in a testbed: its node, its place in sysfs, its uevents. It exists from construction, which
@@ -37,8 +39,8 @@ class device_node_t {
   device_node_t(device_node_t&&) = delete;
   device_node_t& operator=(device_node_t&&) = delete;
 
-  /// Gives one record to whoever reads the node. Dropped while nobody has it open or the reader is far behind, as a
-  /// driver does.
+  /// Gives one record to whoever reads the node. Dropped while nobody has it open, unless the device keeps records, or
+  /// the reader is far behind, as a driver does.
   void feed(std::span<const uint8_t> record);
 
   const std::string& syspath() const { return sys_path; }

@@ -32,6 +32,9 @@ class testbed_t {
   /// Keeps alive what the thread that serves requests refers to, until that has ended.
   void keep(std::shared_ptr<void> referred) { kept.push_back(std::move(referred)); }
 
+  /// A minor number that no other device of this testbed has.
+  unsigned take_minor() { return next_minor++; }
+
   /// The environment variables that put a program before this hardware.
   std::map<std::string, std::string> environment() const;
 
@@ -42,6 +45,7 @@ class testbed_t {
   _UMockdevTestbed* bed;
   std::string root_folder;
   std::vector<std::shared_ptr<void>> kept;
+  unsigned next_minor = 60;
 };
 
 }  // namespace sim
