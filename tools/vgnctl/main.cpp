@@ -6,6 +6,7 @@
 #include "tools/vgnctl/edid/edid_commands.h"
 #include "tools/vgnctl/exit_status.h"
 #include "tools/vgnctl/property/property_commands.h"
+#include "tools/vgnctl/status/status_commands.h"
 
 namespace {
 
@@ -58,6 +59,7 @@ int run(int argc, char** argv) {
   app.require_subcommand(1);
   vgnctl::register_property_commands(app);
   vgnctl::register_edid_commands(app);
+  vgnctl::register_status_command(app);
   app.footer(help_footer);  // at the end, as each subcommand begins with a copy of the footer
   const int status = parse_and_run(app, argc, argv);
   if (status == vgnctl::exit_done && !std::cout.flush()) {

@@ -68,7 +68,7 @@ _vgnctl() {
         ;;
       "property set:1") compopt -o default ;; # values that name files, as for the simulated appliance
       "edid tables:0") mapfile -t COMPREPLY < <(compgen -W "established dmt cta hdmi" -- "$word") ;;
-      "property "* | "edid mode:"* | "edid compare:"* | "edid color:"* | "edid tables:"*) ;;
+      "property "* | "status:"* | "edid mode:"* | "edid compare:"* | "edid color:"* | "edid tables:"*) ;;
       *) compopt -o default ;;
     esac
   fi

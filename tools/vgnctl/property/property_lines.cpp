@@ -71,9 +71,14 @@ void add_member(nlohmann::json& line, const std::string& name, const std::string
 std::string text_line(std::string_view path, std::string_view value) {
   std::string line;
   append_text(line, path, "\\=");
-  line += '=';
-  append_text(line, value, "\\");
+  line += '=' + escaped_text(value);
   return line;
+}
+
+std::string escaped_text(std::string_view text) {
+  std::string escaped;
+  append_text(escaped, text, "\\");
+  return escaped;
 }
 
 std::string json_line(const std::string& path, const std::string& value) {

@@ -12,6 +12,9 @@ namespace vgnctl {
 /// properties never give the same line.
 std::string text_line(std::string_view path, std::string_view value);
 
+/// `text` as the value of such a line.
+std::string escaped_text(std::string_view text);
+
 /// The line of a property for programs, {"path":...,"value":...}, without the newline at its end.
 ///
 /// JSON knows characters only. Bytes that are no UTF-8 become U+FFFD; then "path_hex" or "value_hex" holds the whole

@@ -35,6 +35,8 @@ TEST(Vgnctl, BadUsageIsStatusTwoWithAMessageAndAHint) {
                                 "property dump /a /b",
                                 "property unset /a",
                                 "propriety get /a",
+                                "status now",
+                                "status --xml",
                                 "--loud",
                                 "property get --loud /a"}) {
     const auto outcome = run(arguments);
@@ -75,8 +77,9 @@ TEST(Vgnctl, HelpOfEachCommandIsNoFailureAndTellsExamplesAndExitStatuses) {
 }
 
 TEST(Vgnctl, HelpFitsAPlainTerminal) {
-  const auto outcome = shell("for c in '' property 'property '{get,set,create,list,monitor,dump}; do " VGNCTL_PROGRAM
-                             " $c --help; done | grep -E '.{81}'");
+  const auto outcome =
+      shell("for c in '' status property 'property '{get,set,create,list,monitor,dump}; do " VGNCTL_PROGRAM
+            " $c --help; done | grep -E '.{81}'");
   EXPECT_EQ(outcome.out, "");
 }
 

@@ -83,6 +83,12 @@ TEST_F(Completion, OffersFilesForEdidsAndNamesOfTables) {
   EXPECT_THAT(offered("edid modes --u"), ElementsAre("--unsupported", "--usable"));
 }
 
+TEST_F(Completion, OffersOptionsAndNothingElseForTheStatus) {
+  EXPECT_THAT(offered("sta"), ElementsAre("status"));
+  EXPECT_THAT(offered("status -"), ElementsAre("--help", "--json"));
+  EXPECT_THAT(offered("status ''"), IsEmpty());
+}
+
 TEST_F(Completion, OffersPathsOfTheRunningServicePartByPart) {
   EXPECT_THAT(offered("property get ''"), ElementsAre("/", "compopt -o nospace"));
   EXPECT_THAT(offered("property get /"), ElementsAre("/sys/", "/tarn/"));
