@@ -4,6 +4,7 @@
 #include <QtGlobal>
 #include <functional>
 #include <mutex>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +17,7 @@ class qt_log_capture_t {
   struct line_t {
     QtMsgType type;
     std::string text;
+    std::string category;
   };
 
   /// `on_line` is called with each line, on the thread that says it.
@@ -47,9 +49,19 @@ class qt_log_capture_t {
     return texts;
   }
 
+  /// The categories of all that was said so far.
+  std::set<std::string> categories() const {
+    const std::lock_guard lock(mutex);
+    std::set<std::string> categories;
+    for (const auto& line : heard) {
+      categories.insert(line.category);
+    }
+    return categories;
+  }
+
  private:
-  static void handle(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
-    const line_t line{type, text.toStdString()};
+  static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    const line_t line{type, text.toStdString(), context.category};
     // A thread that is about to speak when the handler is taken out may speak after.
     const std::lock_guard lock(mutex);
     if (present != nullptr) {

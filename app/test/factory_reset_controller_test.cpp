@@ -177,6 +177,14 @@ TEST_F(FactoryResetControllerTest, AScriptThatIsKilledFailsAndIsCompletedWithThe
   EXPECT_THAT(log.lines(QtCriticalMsg), ElementsAre("Factory reset failed 1"));
 }
 
+TEST_F(FactoryResetControllerTest, SpeaksInTheCategoryOfTheApplication) {
+  controller.start();
+  holdElapses();
+  EXPECT_THAT(happened(2), ElementsAre("initiated", "failed 0"));
+  controller.cancel();
+  EXPECT_THAT(log.categories(), ElementsAre("zyl.vgn.control"));
+}
+
 TEST_F(FactoryResetControllerTest, AReleaseWhileTheScriptRunsIsToldAndDoesNotStopIt) {
   installLongScript();
   controller.start();

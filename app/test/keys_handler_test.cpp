@@ -111,6 +111,15 @@ TEST_F(KeysHandlerTest, SaysEachKeyEventThatItProcesses) {
                                                  "Processing key event: keycode= 60, pressed=0, autorepeat=0"));
 }
 
+TEST_F(KeysHandlerTest, SpeaksInTheCategoryOfTheApplication) {
+  feed(key_bytes(KEY_F3, 1));
+  toldInTheEnd();
+  closeFeeder();
+  activate();
+  EXPECT_THAT(log.lines(QtWarningMsg), ElementsAre("Got EOF from the input device"));
+  EXPECT_THAT(log.categories(), ElementsAre("zyl.vgn.control"));
+}
+
 TEST_F(KeysHandlerTest, AnUnknownKeyIsSaidAndNotTold) {
   feed(key_bytes(KEY_F3, 1) + key_bytes(KEY_POWER, 1));
   EXPECT_THAT(toldInTheEnd(), IsEmpty());

@@ -4,9 +4,15 @@
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <utility>
 
 #include "test_support/fake_process.h"
 
@@ -50,6 +56,57 @@ TEST(ProcessScan, AWantedNameBeyondFifteenCharactersFindsNothing) {
   const test_support::fake_process_t process("a_process_of_sixteen");
   EXPECT_THAT(processesNamed("a_process_of_sixteen"), IsEmpty());
   EXPECT_THAT(processesNamed("a_process_of_si"), UnorderedElementsAre(QString::fromStdString(process.id())));
+}
+
+/// A shell that runs until `end`, by a link of this name.
+class linked_program_t {
+ public:
+  explicit linked_program_t(const std::string& name) {
+    std::filesystem::create_symlink("/bin/sh", "/tmp/" + name);
+    EXPECT_EQ(::mkfifo("/tmp/end", 0600), 0);
+    program = ::popen(("exec /tmp/" + name + " -c 'echo $$; read line </tmp/end'").c_str(), "r");
+    char line[16] = {};
+    EXPECT_NE(std::fgets(line, sizeof line, program), nullptr);
+    process_id = QString(line).trimmed();
+  }
+  ~linked_program_t() { end(); }
+
+  linked_program_t(const linked_program_t&) = delete;
+  linked_program_t& operator=(const linked_program_t&) = delete;
+
+  QString id() const { return process_id; }
+
+  /// The program is gone when this returns.
+  void end() {
+    if (program != nullptr) {
+      std::ofstream("/tmp/end") << "\n";
+      ::pclose(std::exchange(program, nullptr));
+    }
+  }
+
+ private:
+  FILE* program = nullptr;
+  QString process_id;
+};
+
+TEST(ProcessScan, FindsAProgramByTheNameOfItsFileForAsLongAsItRuns) {
+  linked_program_t engine("runtime_engine");
+  EXPECT_THAT(processesNamed("runtime_engine"), UnorderedElementsAre(engine.id()));
+  engine.end();
+  EXPECT_THAT(processesNamed("runtime_engine"), IsEmpty());
+}
+
+TEST(ProcessScan, AProcessThatHasEndedIsFoundUntilItsParentHasSeenIt) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    prctl(PR_SET_NAME, "runtime_engine");
+    ::_exit(0);
+  }
+  siginfo_t ended{};
+  ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT), 0);
+  EXPECT_THAT(processesNamed("runtime_engine"), UnorderedElementsAre(QString::number(child)));
+  ::waitpid(child, nullptr, 0);
+  EXPECT_THAT(processesNamed("runtime_engine"), IsEmpty());
 }
 
 TEST(ProcessScan, AProcessIsFoundUnderItsIdAloneThoughSelfShowsItToo) {

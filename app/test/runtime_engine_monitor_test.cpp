@@ -3,9 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QMetaMethod>
 #include <QThread>
 #include <future>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "test_support/fake_process.h"
@@ -65,6 +67,54 @@ TEST_F(RuntimeEngineMonitorTest, AnotherProcessWithALongerNameIsNotTheEngine) {
   const test_support::fake_process_t other("runtime_engine2");
   monitor.check();
   EXPECT_THAT(told, IsEmpty());
+}
+
+TEST_F(RuntimeEngineMonitorTest, OneEngineOfTwoThatGoesIsNoChange) {
+  const test_support::fake_process_t first("runtime_engine");
+  auto second = std::make_unique<test_support::fake_process_t>("runtime_engine");
+  monitor.check();
+  second.reset();
+  monitor.check();
+  EXPECT_THAT(told, ElementsAre(true));
+}
+
+TEST_F(RuntimeEngineMonitorTest, ANameOfFifteenCharactersIsFoundAndNoLongerOne) {
+  const test_support::fake_process_t engine("runtime_engine2");
+  RuntimeEngineMonitor exact("runtime_engine2", 1);
+  exact.check();
+  EXPECT_TRUE(exact.isRunning());
+  const test_support::fake_process_t cut("a_longer_runtime_engine");
+  RuntimeEngineMonitor longer("a_longer_runtime_engine", 1);
+  longer.check();
+  EXPECT_FALSE(longer.isRunning());
+}
+
+TEST_F(RuntimeEngineMonitorTest, AMonitorStoppedBeforeItsStartFinishesWithoutALook) {
+  const test_support::fake_process_t engine("runtime_engine");
+  int finished = 0;
+  QObject::connect(&monitor, &RuntimeEngineMonitor::finished, &monitor, [&] { ++finished; });
+  monitor.stop();
+  monitor.start();
+  EXPECT_EQ(finished, 1);
+  EXPECT_THAT(told, IsEmpty());
+}
+
+TEST_F(RuntimeEngineMonitorTest, AStopByWhoeverHearsOfTheEngineEndsTheWatch) {
+  const test_support::fake_process_t engine("runtime_engine");
+  QObject::connect(&monitor, &RuntimeEngineMonitor::statusChanged, &monitor, &RuntimeEngineMonitor::stop);
+  monitor.start();
+  EXPECT_THAT(told, ElementsAre(true));
+}
+
+TEST_F(RuntimeEngineMonitorTest, HasNoParentSoThatItCanMoveToAThread) { EXPECT_EQ(monitor.parent(), nullptr); }
+
+TEST_F(RuntimeEngineMonitorTest, ItsSignalsComeBeforeItsSlotsInTheirOrder) {
+  const QMetaObject& meta = RuntimeEngineMonitor::staticMetaObject;
+  std::vector<std::string> methods;
+  for (int index = meta.methodOffset(); index < meta.methodCount(); ++index) {
+    methods.push_back(meta.method(index).methodSignature().toStdString());
+  }
+  EXPECT_THAT(methods, ElementsAre("statusChanged(bool)", "finished()", "start()", "stop()"));
 }
 
 TEST(RuntimeEngineMonitorThread, LooksOnItsThreadUntilItIsStoppedDirectly) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QMetaMethod>
 #include <QThread>
 #include <memory>
 #include <string>
@@ -88,6 +89,20 @@ TEST(StreamerController, PassesTheDesignsStateOnWithoutItsThread) {
   controller.designStopped();
   EXPECT_EQ(log.lines(), (std::vector<std::string>{"vgn_streamer_proxy::set_design_running",
                                                    "vgn_streamer_proxy::set_design_stopped"}));
+}
+
+TEST_F(StreamerControllerTest, SpeaksInTheCategoryOfTheApplication) {
+  controller.start();
+  EXPECT_THAT(log.categories(), testing::ElementsAre("zyl.vgn.control"));
+}
+
+TEST(StreamerController, ItsSignalComesBeforeItsSlotsInTheirOrder) {
+  const QMetaObject& meta = StreamerController::staticMetaObject;
+  std::vector<std::string> methods;
+  for (int index = meta.methodOffset(); index < meta.methodCount(); ++index) {
+    methods.push_back(meta.method(index).methodSignature().toStdString());
+  }
+  EXPECT_THAT(methods, testing::ElementsAre("finished()", "start()", "designStopped()", "designRunning()"));
 }
 
 TEST(StreamerController, HasNoParentSoThatItCanMoveToAThread) {

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "test_support/qt_log_capture.h"
+
 namespace {
 
 using testing::ElementsAre;
@@ -100,6 +102,15 @@ TEST_F(VgnUiControllerTest, OnlyTheExactWordIsGood) {
   EXPECT_THAT(at("ok"), shows_boot_splash);
   EXPECT_THAT(at("OK "), shows_boot_splash);
   EXPECT_THAT(at("OKAY"), shows_boot_splash);
+}
+
+TEST_F(VgnUiControllerTest, SpeaksOfTheScreensItAsksForInTheCategoryOfTheUserInterface) {
+  const test_support::qt_log_capture_t log;
+  reachDesignUp();
+  EXPECT_THAT(log.categories(), IsEmpty());
+  at("Stopped");
+  EXPECT_THAT(log.categories(), ElementsAre("zyl.vgn.control.ui"));
+  EXPECT_EQ(log.lines(QtDebugMsg).size(), 2U);
 }
 
 TEST(VgnUiController, ItsSignalComesBeforeItsSlot) {
