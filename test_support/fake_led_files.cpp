@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/inotify.h>
-#include <umockdev.h>
 #include <unistd.h>
 
 #include <array>
@@ -24,16 +23,10 @@ std::string content_of(const std::string& place) {
 
 }  // namespace
 
-fake_led_files_t::fake_led_files_t() : bed(umockdev_testbed_new()), watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
-  gchar* const folder = umockdev_testbed_get_root_dir(bed);
-  root = folder;
-  g_free(folder);
-}
+fake_led_files_t::fake_led_files_t(const fake_udev_t& emulated)
+    : machine(emulated), watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {}
 
-fake_led_files_t::~fake_led_files_t() {
-  close(watch);
-  g_object_unref(bed);
-}
+fake_led_files_t::~fake_led_files_t() { close(watch); }
 
 void fake_led_files_t::make(const std::string& path) {
   // Not opened for writing, so that this does not count as a write.
@@ -44,7 +37,7 @@ void fake_led_files_t::make_unwritable(const std::string& path) { fs::create_dir
 
 void fake_led_files_t::make_full(const std::string& path) { fs::create_symlink("/dev/full", place_for(path)); }
 
-void fake_led_files_t::remove(const std::string& path) { fs::remove_all(place_of(path)); }
+void fake_led_files_t::remove(const std::string& path) { fs::remove_all(machine.place(path)); }
 
 std::vector<std::string> fake_led_files_t::take_writes() {
   std::vector<std::string> writes;
@@ -59,11 +52,9 @@ std::vector<std::string> fake_led_files_t::take_writes() {
   return writes;
 }
 
-std::string fake_led_files_t::place_of(const std::string& path) const { return root + path; }
-
 std::string fake_led_files_t::place_for(const std::string& path) {
   remove(path);
-  const fs::path place = place_of(path);
+  const fs::path place = machine.place(path);
   fs::create_directories(place.parent_path());
   watched_folders[inotify_add_watch(watch, place.parent_path().c_str(), IN_CLOSE_WRITE)] = place.parent_path();
   return place;

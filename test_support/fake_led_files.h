@@ -4,18 +4,17 @@
 #include <string>
 #include <vector>
 
-struct _UMockdevTestbed;  // NOLINT(bugprone-reserved-identifier): the emulation library's own name
+#include "test_support/fake_udev.h"
 
 namespace test_support {
 
-/// A machine with just the files below /sys and /proc that a test gives it. Tells what is written to them. The process
-/// must run with umockdev's preload library; one at a time.
+/// Files below /sys and /proc on a machine of the test's, which must outlive this: tells what is written to them.
 ///
 /// They are plain files, which forget nothing: who writes without truncation leaves the end of a longer text before.
 /// `take_writes` empties them.
 class fake_led_files_t {
  public:
-  fake_led_files_t();
+  explicit fake_led_files_t(const fake_udev_t& machine);
   ~fake_led_files_t();
 
   fake_led_files_t(const fake_led_files_t&) = delete;
@@ -36,13 +35,11 @@ class fake_led_files_t {
   std::vector<std::string> take_writes();
 
  private:
-  std::string place_of(const std::string& path) const;
   std::string place_for(const std::string& path);
   std::vector<std::string> closed_files();
 
-  _UMockdevTestbed* bed;
-  std::string root;
-  int watch = -1;
+  const fake_udev_t& machine;
+  int watch;
   std::map<int, std::string> watched_folders;
 };
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "test_support/fake_led_files.h"
+#include "test_support/fake_udev.h"
 #include "test_support/qt_log_capture.h"
 
 namespace {
@@ -29,7 +30,8 @@ class PatternLEDTest : public testing::Test {
   std::vector<std::string> warnings() const { return log.lines(QtWarningMsg); }
 
   test_support::qt_log_capture_t log;
-  test_support::fake_led_files_t files;
+  test_support::fake_udev_t machine;
+  test_support::fake_led_files_t files{machine};
 };
 
 TEST_F(PatternLEDTest, TakesThePatternTrigger) {

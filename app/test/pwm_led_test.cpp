@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "test_support/fake_led_files.h"
+#include "test_support/fake_udev.h"
 #include "test_support/qt_log_capture.h"
 #include "test_support/qt_timers.h"
 
@@ -42,7 +43,8 @@ class PWM_LEDTest : public testing::Test {
   }
 
   test_support::qt_log_capture_t log;
-  test_support::fake_led_files_t files;
+  test_support::fake_udev_t machine;
+  test_support::fake_led_files_t files{machine};
 };
 
 TEST_F(PWM_LEDTest, SetsTheDriverUpOnce) {

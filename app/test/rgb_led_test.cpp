@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "test_support/fake_led_files.h"
+#include "test_support/fake_udev.h"
 #include "test_support/qt_log_capture.h"
 #include "test_support/qt_loop_until.h"
 
@@ -69,7 +70,8 @@ class RGB_LEDTest : public testing::Test {
   std::vector<std::string> warnings() const { return log.lines(QtWarningMsg); }
 
   test_support::qt_log_capture_t log;
-  test_support::fake_led_files_t files;
+  test_support::fake_udev_t machine;
+  test_support::fake_led_files_t files{machine};
 };
 
 TEST_F(RGB_LEDTest, StartsBlueAndBright) {
