@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "test_support/edid_builder.h"
-#include "zyl/platform.h"
+#include "test_support/stub_platform.h"
 #include "zyl/post.h"
 
 StreamerProxyTest::StreamerProxyTest(vgn_control::vgn_streamer_proxy::info_texts_t info_texts)
@@ -92,13 +92,7 @@ spdlog::level::level_enum StreamerProxyTest::level_of(const std::string& text) c
   return spdlog::level::off;
 }
 
-void StreamerProxyTest::set_model(const char* part_number) {
-  static zyl::platform_t platform;
-  platform = zyl::platform_t([part_number](const std::string& path) -> std::optional<std::string> {
-    return path == "/sys/config/part_number" ? part_number : "";
-  });
-  zyl::platform_t::install(&platform);
-}
+void StreamerProxyTest::set_model(const char* part_number) { test_support::set_model(part_number); }
 
 void StreamerProxyTest::put_disconnected_image() {
   const std::filesystem::path path(image);
