@@ -4,8 +4,10 @@
 
 #include "app/block_check.h"
 #include "app/logging.h"
+#include "app/model_led.h"
 #include "app/published_resolution.h"
 #include "zyl/dev_options.h"
+#include "zyl/platform.h"
 
 namespace vgn_control {
 namespace {
@@ -18,6 +20,8 @@ const QByteArray ui_control_path = "/vgn_ui/vgn_ui_control";
 const QByteArray hdmi1_properties_path = "/sys/hdmi1_properties";
 const QByteArray hdmi2_properties_path = "/sys/hdmi2_properties";
 const QByteArray valid_format_path = "/vgn_control/receiving_valid_format";
+const QByteArray hdmi1_screen_path = "/vgn_ui/hdmi1_current_screen";
+const QByteArray hdmi2_screen_path = "/vgn_ui/hdmi2_current_screen";
 
 const QByteArray ui_has_screens = "1";
 const QByteArray design_has_screens = "0";
@@ -28,6 +32,8 @@ const QString disconnected = QStringLiteral("disconnected");
 
 constexpr uint64_t engine_poll_period_ms = 1000;
 constexpr int id_mode_duration_ms = 300'000;
+constexpr int id_mode_flash_ms = 500;
+constexpr int reset_hold_flash_ms = 100;
 
 const char* textOf(bool state) { return state ? "true" : "false"; }
 
@@ -49,17 +55,20 @@ void stopThread(QThread& thread) {
 
 }  // namespace
 
-VgnControl::VgnControl(const QString& /*input*/, QObject* parent)
+VgnControl::VgnControl(const QString& input, QObject* parent)
     : QObject(parent),
-      property_monitor({}),
+      property_monitor({}, this),
       runtime_engine_monitor(QStringLiteral("runtime_engine"), engine_poll_period_ms),
+      keys_handler(input, this),
+      factory_reset(this),
+      ui_controller(this),
       streamer_controller(this),
       id_mode_timer(this),
       streamer_thread(this),
       monitor_thread(this),
       reactions(makeReactions()) {
-  property_monitor.addProperties({engine_state_path, design_status_path, dev_options_path, id_mode_path,
-                                  ui_control_path, hdmi1_properties_path, hdmi2_properties_path, valid_format_path});
+  led = makeModelLed(zyl::platform_t::get().part(), *this);
+  watchProperties();
   connectMembers();
   control_blocked = isControlBlocked(std::getenv("VGN_CONTROL_BLOCK"));
   if (control_blocked) {
@@ -80,6 +89,7 @@ VgnControl::~VgnControl() {
 
 std::map<QByteArray, VgnControl::Reaction> VgnControl::makeReactions() {
   return {
+      {id_mode_path, [this](const QByteArray& value) { idModeUpdated(value); }},
       {design_status_path, [this](const QByteArray& value) { designStatusUpdated(value); }},
       {engine_state_path, [this](const QByteArray& value) { engineStateUpdated(value); }},
       {dev_options_path, [](const QByteArray& value) { zyl::dev_options::set(value.toStdString()); }},
@@ -87,9 +97,32 @@ std::map<QByteArray, VgnControl::Reaction> VgnControl::makeReactions() {
   };
 }
 
+void VgnControl::watchProperties() {
+  property_monitor.addProperties({engine_state_path, design_status_path, dev_options_path, id_mode_path,
+                                  ui_control_path, hdmi1_properties_path, hdmi2_properties_path, valid_format_path});
+  // Only so that they can be written: what is not watched is not written either.
+  property_monitor.addProperties({hdmi1_screen_path, hdmi2_screen_path});
+}
+
 void VgnControl::connectMembers() {
   connect(&property_monitor, &PropertyMonitor::valueChanged, this, &VgnControl::propertyMonitorValueChanged);
+  connect(&keys_handler, &KeysHandler::idKeyPressed, this, &VgnControl::idKeyPressed);
+  connect(&keys_handler, &KeysHandler::factoryResetKeyPressed, this, &VgnControl::factoryResetKeyPressed);
   connect(&id_mode_timer, &QTimer::timeout, this, [this] { requestIdMode(false); });
+  connectFactoryReset();
+  connect(&ui_controller, &VgnUiController::setProperty, this, &VgnControl::setProperty);
+  connect(this, &VgnControl::designStatusChanged, &ui_controller, &VgnUiController::designStatusChanged);
+}
+
+void VgnControl::connectFactoryReset() {
+  const auto stop_flashing = [this] { led->stopFlashing(); };
+  connect(&factory_reset, &FactoryResetController::resetInitiated, led.get(),
+          [this] { led->startFlashing(reset_hold_flash_ms); });
+  connect(&factory_reset, &FactoryResetController::resetCancelled, led.get(), stop_flashing);
+  connect(&factory_reset, &FactoryResetController::resetStarted, led.get(), stop_flashing);
+  connect(&factory_reset, &FactoryResetController::resetFailed, led.get(), stop_flashing);
+  // The device is going down: the light stays as it is.
+  connect(&factory_reset, &FactoryResetController::resetCompleted, led.get(), [] {});
 }
 
 void VgnControl::startThreads() {
@@ -107,6 +140,14 @@ void VgnControl::startThreads() {
 void VgnControl::propertyMonitorValueChanged(const QByteArray& name, const QByteArray& value) {
   if (const auto reaction = reactions.find(name); reaction != reactions.end()) {
     reaction->second(value);
+  }
+}
+
+void VgnControl::idModeUpdated(const QByteArray& value) {
+  if (value == id_mode_on) {
+    led->startFlashing(id_mode_flash_ms);
+  } else if (value == id_mode_off) {
+    led->stopFlashing();
   }
 }
 
@@ -148,6 +189,14 @@ void VgnControl::setProperty(const QByteArray& name, const QByteArray& value) {
 void VgnControl::idKeyPressed(bool pressed) {
   if (pressed) {
     requestIdMode(property_monitor.value(id_mode_path) != id_mode_on);
+  }
+}
+
+void VgnControl::factoryResetKeyPressed(bool pressed) {
+  if (pressed) {
+    factory_reset.start();
+  } else {
+    factory_reset.cancel();
   }
 }
 

@@ -3,19 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdlib>
-#include <functional>
-#include <map>
-#include <memory>
+#include <QMetaMethod>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "app/test/vgn_control_fixture.h"
 #include "test_support/fake_process.h"
-#include "test_support/fake_property_service.h"
-#include "test_support/log_capture.h"
-#include "test_support/qt_log_capture.h"
 #include "test_support/qt_loop_until.h"
 #include "zyl/dev_options.h"
 
@@ -28,121 +22,12 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 using vgn_control::VgnControl;
-using request_t = test_support::fake_property_service_t::request_t;
 
-constexpr const char* engine_state = "/sys/runtimeengine/state";
-constexpr const char* design_status = "/tarn/design/status";
-constexpr const char* dev_options = "/tarn/design/dev_options";
-constexpr const char* id_mode = "/tarn/mode/id";
-constexpr const char* ui_control = "/vgn_ui/vgn_ui_control";
-constexpr const char* hdmi1_properties = "/sys/hdmi1_properties";
-constexpr const char* hdmi2_properties = "/sys/hdmi2_properties";
-constexpr const char* valid_format = "/vgn_control/receiving_valid_format";
-
-/// A coordinator on a bus where the test is the service. There is no streamer device and no video engine.
-class VgnControlTest : public testing::Test {
- protected:
-  void TearDown() override {
-    control.reset();
-    unsetenv("VGN_CONTROL_BLOCK");
-  }
-
-  void start() {
-    control = std::make_unique<VgnControl>("", nullptr);
-    QObject::connect(control.get(), &VgnControl::designStatusChanged, control.get(),
-                     [this](const QByteArray& value) { designStatuses.push_back(value.toStdString()); });
-    QObject::connect(control.get(), &VgnControl::validFormatChanged, control.get(),
-                     [this](const QByteArray& value) { validFormats.push_back(value.toStdString()); });
-    // Each property is told once at the start; only what comes after it is the test's.
-    ASSERT_TRUE(test_support::qt_loop_until([this] { return !validFormats.empty(); }));
-    designStatuses.clear();
-    validFormats.clear();
-  }
-
-  void startBlocked() {
-    setenv("VGN_CONTROL_BLOCK", "1", 1);
-    start();
-  }
-
-  // The bus tells a new value, and the coordinator has heard it.
-  void tell(const char* path, const char* value) {
-    service.send({"changed", path, value});
-    service.send({"changed", valid_format, "heard"});
-    ASSERT_TRUE(test_support::qt_loop_until([this] { return !validFormats.empty(); }));
-    validFormats.clear();
-  }
-
-  // What was written to a property so far, in order. A second property, written after, shows that nothing is under way.
-  std::vector<std::string> written(const char* path) {
-    control->setProperty(dev_options, "end");
-    EXPECT_TRUE(service.hears({"set", dev_options, "end"}));
-    std::vector<std::string> values;
-    for (const auto& request : service.requests()) {
-      if (request.size() == 3 && request[0] == "set" && request[1] == path) {
-        values.push_back(request[2]);
-      }
-    }
-    service.forget_requests();
-    return values;
-  }
-
-  bool isWritten(const char* path, const char* value) {
-    return test_support::qt_loop_until([&] {
-      const auto requests = service.requests();
-      return std::find(requests.begin(), requests.end(), request_t{"set", path, value}) != requests.end();
-    });
-  }
-
-  QTimer& idModeTimer() { return *control->findChild<QTimer*>(); }
-  void expireIdMode() { QMetaObject::invokeMethod(&idModeTimer(), "timeout"); }
-
-  // A line like "Set propety  "/a/path"  to value:  "0"" : Qt puts blanks and quotes around.
-  static std::string setting(const std::string& path, const std::string& value) {
-    return "Set propety +\"" + path + "\" +to value: +\"" + value + "\"";
-  }
-
-  // What the video side had been told of the design when a property was about to be written.
-  std::vector<std::string> videoSideAtWriteOf(const char* path, const char* value, const char* state) {
-    std::vector<std::string> knew;
-    log.clear();
-    on_qt_line = [&](const std::string& text) {
-      if (testing::Matches(MatchesRegex(setting(path, value)))(text)) {
-        knew = log.lines();
-      }
-    };
-    tell(engine_state, state);
-    on_qt_line = nullptr;
-    return knew;
-  }
-
-  // Made before the threads that log, and gone after them.
-  test_support::log_capture_t log{"streamerproxy"};
-  std::function<void(const std::string& text)> on_qt_line;
-  test_support::qt_log_capture_t qt_log{[this](const auto& line) {
-    if (line.type == QtInfoMsg && line.text != "StreamerController started" && on_qt_line) {
-      on_qt_line(line.text);
-    }
-  }};
-  test_support::fake_property_service_t service{test_support::fake_property_service_t::from({
-      {engine_state, ""},
-      {design_status, ""},
-      {dev_options, ""},
-      {id_mode, ""},
-      {ui_control, ""},
-      {hdmi1_properties, ""},
-      {hdmi2_properties, ""},
-      {valid_format, ""},
-  })};
-  std::unique_ptr<VgnControl> control;
-  std::vector<std::string> designStatuses;
-  std::vector<std::string> validFormats;
-};
-
-TEST_F(VgnControlTest, WatchesEightPropertiesInOrder) {
+TEST_F(VgnControlTest, WatchesItsPropertiesInOrderThenTheScreens) {
   startBlocked();
   std::vector<request_t> expected;
   for (const char* path : {engine_state, design_status, dev_options, id_mode, ui_control, hdmi1_properties,
-                           hdmi2_properties, valid_format}) {
+                           hdmi2_properties, valid_format, hdmi1_screen, hdmi2_screen}) {
     for (const char* command : {"create", "monitor", "get"}) {
       expected.push_back({command, path});
     }
@@ -150,6 +35,19 @@ TEST_F(VgnControlTest, WatchesEightPropertiesInOrder) {
   auto requests = service.requests();
   std::erase_if(requests, [](const request_t& request) { return request[0] == "set"; });
   EXPECT_EQ(requests, expected);
+}
+
+TEST_F(VgnControlTest, HasItsSignalsAndSlotsInOrder) {
+  const QMetaObject& meta = VgnControl::staticMetaObject;
+  std::vector<std::string> methods;
+  for (int index = meta.methodOffset(); index < meta.methodCount(); ++index) {
+    methods.push_back(meta.method(index).methodSignature().toStdString());
+  }
+  // Qt knows quint32 by the name of its own type.
+  EXPECT_THAT(methods, ElementsAre("designStatusChanged(QByteArray)", "validFormatChanged(QByteArray)",
+                                   "propertyMonitorValueChanged(QByteArray,QByteArray)", "idKeyPressed(bool)",
+                                   "factoryResetKeyPressed(bool)", "setProperty(QByteArray,QByteArray)",
+                                   "runtimeEngineStatusChanged(bool)", "hdmiPropertiesChanged(uint,QString)"));
 }
 
 TEST_F(VgnControlTest, AnEngineStateThatIsEmptyAtTheStartIsAStop) {
@@ -238,6 +136,27 @@ TEST_F(VgnControlTest, PassesTheValidFormatOn) {
   start();
   service.send({"changed", valid_format, "1"});
   EXPECT_TRUE(test_support::qt_loop_until([this] { return validFormats == std::vector<std::string>{"1"}; }));
+}
+
+TEST_F(VgnControlTest, KeepsTheBootSplashUntilThereIsAGoodDesign) {
+  start();
+  for (const char* screen : {hdmi1_screen, hdmi2_screen}) {
+    written(screen);
+    tell(design_status, "Faulted");
+    tell(engine_state, "Stopped");
+    EXPECT_THAT(written(screen), ElementsAre("boot_splash_screen", "boot_splash_screen")) << screen;
+  }
+}
+
+TEST_F(VgnControlTest, ShowsDisconnectedOnceWhenAGoodDesignIsLost) {
+  start();
+  for (const char* screen : {hdmi1_screen, hdmi2_screen}) {
+    tell(design_status, "OK");
+    written(screen);
+    tell(engine_state, "Stopping");
+    tell(design_status, "Faulted");
+    EXPECT_THAT(written(screen), ElementsAre("disconnected")) << screen;
+  }
 }
 
 TEST_F(VgnControlTest, SetsTheDevelopmentOptions) {
@@ -391,7 +310,9 @@ TEST_F(VgnControlTest, BlockedItFollowsNeitherDesignNorEngine) {
   tell(engine_state, "Stopped");
   tell(engine_state, "Running");
   EXPECT_THAT(designStatuses, IsEmpty());
-  EXPECT_THAT(written(ui_control), IsEmpty());
+  control->setProperty(dev_options, "end");
+  EXPECT_TRUE(service.hears({"set", dev_options, "end"}));
+  EXPECT_THAT(service.requests(), ElementsAre(request_t{"set", dev_options, "end"}));
   EXPECT_THAT(log.lines(), IsEmpty());
 }
 
@@ -405,7 +326,7 @@ TEST_F(VgnControlTest, BlockedItStillServesIdModeAndDevelopmentOptions) {
 
 TEST(VgnControl, WithoutAPropertyServiceItIsIdleAndEnds) {
   VgnControl control("", nullptr);
-  control.setProperty(ui_control, "1");
+  control.setProperty("/vgn_ui/vgn_ui_control", "1");
   EXPECT_TRUE(control.findChild<QThread*>()->isRunning());
 }
 
