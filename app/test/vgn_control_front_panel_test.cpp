@@ -75,7 +75,11 @@ class VgnControlFrontPanelTest : public PanelFiles, public VgnControlTest {
     ::mkfifo(keys_path, 0600);
     keys = ::open(keys_path, O_RDWR | O_NONBLOCK | O_CLOEXEC);
   }
-  ~VgnControlFrontPanelTest() override { ::close(keys); }
+
+  void TearDown() override {
+    VgnControlTest::TearDown();
+    ::close(keys);
+  }
 
   void startModel(const char* part_number) {
     test_support::set_model(part_number);
