@@ -6,12 +6,14 @@
 #include <umockdev.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -85,14 +87,19 @@ struct device_node_t::shared_t : std::enable_shared_from_this<shared_t> {
 
   zyl::mutex_t mutex;
   bool gone ZYL_GUARDED_BY(mutex) = true;
+  bool ended ZYL_GUARDED_BY(mutex) = false;
   int clients ZYL_GUARDED_BY(mutex) = 0;
   device_calls_t calls ZYL_GUARDED_BY(mutex);
   descriptor_t feeder ZYL_GUARDED_BY(mutex);
 
   int answer(UMockdevIoctlClient* client);
   int answer_record(uint32_t request, UMockdevIoctlData* record);
+  int answer_value(uint32_t request, const UMockdevIoctlData* argument);
+  bool takes_value(uint32_t request);
   void count_clients(int change);
-  bool is_gone();
+  /// What a read gives without any record: a negative errno, or 0 at the end; nothing if it is to give a record.
+  std::optional<int> read_without_record();
+  void drop_record() ZYL_REQUIRES(mutex);
   void drain() ZYL_REQUIRES(mutex);
 };
 
@@ -115,8 +122,23 @@ int device_node_t::shared_t::answer_record(uint32_t request, UMockdevIoctlData* 
   return error;
 }
 
+bool device_node_t::shared_t::takes_value(uint32_t request) {
+  const zyl::lock_t lock(mutex);
+  return std::find(calls.value_requests.begin(), calls.value_requests.end(), request) != calls.value_requests.end();
+}
+
+int device_node_t::shared_t::answer_value(uint32_t request, const UMockdevIoctlData* argument) {
+  const auto size = std::min<size_t>(_IOC_SIZE(request), static_cast<size_t>(argument->data_len));
+  std::vector<uint8_t> bytes(argument->data, argument->data + size);
+  const zyl::lock_t lock(mutex);
+  return gone ? ENODEV : calls.request(request, bytes, [](size_t, std::span<const uint8_t>) { return false; });
+}
+
 int device_node_t::shared_t::answer(UMockdevIoctlClient* client) {
   const auto request = static_cast<uint32_t>(umockdev_ioctl_client_get_request(client));
+  if (takes_value(request)) {
+    return answer_value(request, umockdev_ioctl_client_get_arg(client));
+  }
   const ioctl_data_t record = resolve(umockdev_ioctl_client_get_arg(client), 0, _IOC_SIZE(request));
   return record != nullptr ? answer_record(request, record.get()) : EFAULT;
 }
@@ -133,9 +155,23 @@ void device_node_t::shared_t::count_clients(int change) {
   }
 }
 
-bool device_node_t::shared_t::is_gone() {
+// At the end each wake-up gives one end of file and no more: a client that looks again whenever the node is readable
+// would look for ever.
+std::optional<int> device_node_t::shared_t::read_without_record() {
   const zyl::lock_t lock(mutex);
-  return gone;
+  if (gone) {
+    return -ENODEV;
+  }
+  if (!ended) {
+    return std::nullopt;
+  }
+  drop_record();
+  return 0;
+}
+
+void device_node_t::shared_t::drop_record() {
+  std::array<uint8_t, 4096> dropped{};
+  static_cast<void>(::read(feeder.get(), dropped.data(), dropped.size()));
 }
 
 void device_node_t::shared_t::drain() {
@@ -170,10 +206,11 @@ struct device_node_t::callbacks_t {
   }
 
   static gboolean on_read(UMockdevIoctlBase* /*handler*/, UMockdevIoctlClient* client, gpointer shared) {
-    if (!handed(shared)->is_gone()) {
+    const auto result = handed(shared)->read_without_record();
+    if (!result) {
       return FALSE;  // the FIFO answers
     }
-    umockdev_ioctl_client_complete(client, -1, ENODEV);
+    umockdev_ioctl_client_complete(client, *result < 0 ? -1 : 0, -*result);
     return TRUE;
   }
 
@@ -191,9 +228,9 @@ struct device_node_t::callbacks_t {
 };
 
 device_node_t::device_node_t(testbed_t& testbed, const std::string& subsystem, const std::string& sysname,
-                             device_calls_t calls)
+                             device_calls_t calls, const std::string& folder)
     : bed(testbed),
-      node("/dev/" + sysname),
+      node("/dev/" + folder + sysname),
       sys_path("/sys/devices/platform/" + sysname),
       shared(std::make_shared<shared_t>()) {
   bed.keep(shared);
@@ -216,6 +253,9 @@ device_node_t::~device_node_t() {
     const char wake = 0;
     static_cast<void>(::write(shared->feeder.get(), &wake, 1));
   }
+  // So that a device of that name can come again; clients that have the node open keep their handler.
+  glib_error_t ignored;
+  umockdev_testbed_detach_ioctl(bed.handle(), node.c_str(), ignored.out());
   umockdev_testbed_uevent(bed.handle(), sys_path.c_str(), "remove");
   umockdev_testbed_remove_device(bed.handle(), sys_path.c_str());
   ::unlink((bed.root() + node).c_str());
@@ -241,6 +281,16 @@ void device_node_t::announce(const std::string& subsystem, const std::string& sy
   glib_error_t error;
   umockdev_testbed_add_from_string(bed.handle(), description.c_str(), error.out());
   error.check("no device " + sysname);
+}
+
+void device_node_t::end_reads(bool ended) {
+  const zyl::lock_t lock(shared->mutex);
+  shared->ended = ended;
+  shared->drain();
+  if (ended) {
+    const char wake = 0;
+    static_cast<void>(::write(shared->feeder.get(), &wake, 1));
+  }
 }
 
 void device_node_t::feed(std::span<const uint8_t> record) {

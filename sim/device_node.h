@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "sim/testbed.h"
 
@@ -19,6 +20,8 @@ using client_writer_t = std::function<bool(size_t pointer_offset, std::span<cons
 struct device_calls_t {
   /// Answers a request: 0, or the errno it fails with. `record` is the client's, and goes back to it on success.
   std::function<int(uint32_t request, std::span<uint8_t> record, const client_writer_t& write)> request;
+  /// The requests whose argument is a value in itself, not the address of a record: their record is a copy of that.
+  std::vector<uint32_t> value_requests = {};
   /// The first client has opened the node, or the last one has closed it. May be empty.
   std::function<void(bool open)> opened = {};
   /// Whether what is fed waits for the next client while there is none.
@@ -30,8 +33,9 @@ struct device_calls_t {
 /// that was pulled out. Made, used and destroyed on one thread.
 class device_node_t {
  public:
-  /// The node is "/dev/<sysname>". Throws `zyl::exception_t` when the testbed refuses it.
-  device_node_t(testbed_t& testbed, const std::string& subsystem, const std::string& sysname, device_calls_t calls);
+  /// The node is "/dev/<folder><sysname>". Throws `zyl::exception_t` when the testbed refuses it.
+  device_node_t(testbed_t& testbed, const std::string& subsystem, const std::string& sysname, device_calls_t calls,
+                const std::string& folder = "");
   ~device_node_t();
 
   device_node_t(const device_node_t&) = delete;
@@ -42,6 +46,10 @@ class device_node_t {
   /// Gives one record to whoever reads the node. Dropped while nobody has it open, unless the device keeps records, or
   /// the reader is far behind, as a driver does.
   void feed(std::span<const uint8_t> record);
+
+  /// Makes every read an end of file, and causes one; with false, reads give records again. What is fed meanwhile is
+  /// lost.
+  void end_reads(bool ended);
 
   const std::string& syspath() const { return sys_path; }
 
