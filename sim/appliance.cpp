@@ -13,7 +13,12 @@ appliance_t::appliance_t(const model_t& model, const std::string& story_file)
       splash(tree, story, model.output_count),
       status_files(loop.base(), testbed.root(), tree, story),
       ktm5030(loop.base(), testbed, tree, story, model.id == 105),
-      screen(tree, story, model.output_count) {
+      screen(tree, story, model.output_count),
+      leds(loop.base(), testbed, tree, story, model.id),
+      keys(loop.base(), testbed, tree, story),
+      brightness_setting(tree, story),
+      reset_script(loop.base(), tree, story),
+      runtime_engine(loop.base(), testbed, tree, story) {
   publish_identity(tree, model);
   for (const auto& [name, value] : daemon_environment()) {
     tree.publish("/sim/environment/" + name, value);

@@ -3,11 +3,16 @@
 #include <map>
 #include <string>
 
+#include "sim/brightness_setting.h"
+#include "sim/key_device.h"
 #include "sim/ktm5030.h"
+#include "sim/led_panel.h"
 #include "sim/log_collector.h"
 #include "sim/model.h"
 #include "sim/property_service.h"
 #include "sim/property_tree.h"
+#include "sim/reset_script.h"
+#include "sim/runtime_engine.h"
 #include "sim/screen.h"
 #include "sim/splash_provider.h"
 #include "sim/status_files.h"
@@ -51,6 +56,11 @@ class appliance_t {
   status_files_t status_files;
   ktm5030_t ktm5030;
   screen_t screen;
+  led_panel_t leds;
+  key_device_t keys;
+  brightness_setting_t brightness_setting;
+  reset_script_t reset_script;
+  runtime_engine_t runtime_engine;
 };
 
 }  // namespace sim

@@ -81,7 +81,9 @@ void add_options(CLI::App& app, options_t& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app("The simulated appliance: property service, video engine, streamer driver, splash provider and log.");
+  CLI::App app(
+      "The simulated appliance: property service, video engine, streamer driver, splash provider, front panel and "
+      "log.");
   options_t options;
   add_options(app, options);
   CLI11_PARSE(app, argc, argv);

@@ -1,0 +1,141 @@
+#include "sim/key_device.h"
+
+#include <linux/input.h>
+#include <sys/time.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "sim/key_events.h"
+#include "zyl/post.h"
+
+namespace sim {
+namespace {
+
+struct key_t {
+  const char* name;
+  uint16_t code;
+};
+constexpr std::array<key_t, 2> keys{{{"id", KEY_F1}, {"reset", KEY_F2}}};
+
+const char* told(key_action_e action) {
+  switch (action) {
+    case key_action_e::press:
+      return " key pressed";
+    case key_action_e::repeat:
+      return " key repeats";
+    default:
+      return " key released";
+  }
+}
+
+template <typename T>
+T value_of(std::span<const uint8_t> record) {
+  T value{};
+  std::memcpy(&value, record.data(), std::min(sizeof value, record.size()));
+  return value;
+}
+
+timeval time_of_day() {
+  timeval now{};
+  gettimeofday(&now, nullptr);
+  return now;
+}
+
+}  // namespace
+
+key_device_t::key_device_t(event_base* loop, testbed_t& bed, property_tree_t& properties, story_t& told_story)
+    : base(loop), testbed(bed), tree(properties), story(told_story), alive(std::make_shared<key_device_t*>(this)) {
+  for (const auto& key : keys) {
+    const std::string property = std::string("/sim/key/") + key.name;
+    tree.publish(property, "release");
+    tree.on_set(property, [this, key](const std::string& word) { act(key.name, key.code, word); });
+  }
+  tree.on_set("/sim/key/bytes", [this](const std::string& hex) { feed(hex); });
+  tree.on_set("/sim/key/device", [this](const std::string& wanted) { set_device(wanted); });
+  tree.publish("/sim/key/device", "present");
+  tree.publish("/sim/key/path", path);
+  tree.publish("/sim/key/open", "0");
+  tree.publish("/sim/key/grab", "");
+  tree.publish("/sim/key/repeat", "");
+  add_node();
+}
+
+key_device_t::~key_device_t() {
+  node.reset();
+  alive.reset();
+}
+
+void key_device_t::add_node() {
+  device_calls_t calls;
+  calls.request = [this](uint32_t request, std::span<uint8_t> record, const client_writer_t& /*write*/) {
+    return answer(request, record);
+  };
+  calls.value_requests = {EVIOCGRAB};
+  calls.opened = [this](bool open) { publish_later("/sim/key/open", open ? "1" : "0"); };
+  node.emplace(testbed, "input", "event0", std::move(calls), "input/");
+}
+
+void key_device_t::set_device(const std::string& wanted) {
+  story.tell("panel", "key device ", {wanted});
+  if (wanted == "gone") {
+    node.reset();
+    publish_later("/sim/key/open", "0");
+    return;
+  }
+  if (!node) {
+    add_node();
+  }
+  node->end_reads(wanted == "ended");
+}
+
+void key_device_t::act(const std::string& key, uint16_t code, const std::string& word) {
+  const auto action = parse_key_action(word);
+  if (!action) {
+    story.tell("panel", key, {" key cannot \"", word, "\""});
+    return;
+  }
+  story.tell("panel", key, {told(*action)});
+  if (node) {
+    const auto report = key_report(code, *action, time_of_day());
+    node->feed({reinterpret_cast<const uint8_t*>(report.data()), sizeof report});
+  }
+}
+
+void key_device_t::feed(const std::string& hex) {
+  const auto bytes = parse_hex(hex);
+  if (!bytes) {
+    story.tell("panel", "no bytes in hex: ", {hex});
+    return;
+  }
+  story.tell("panel", "key device gives " + std::to_string(bytes->size()) + " bytes");
+  if (node) {
+    node->feed(*bytes);
+  }
+}
+
+int key_device_t::answer(uint32_t request, std::span<const uint8_t> record) {
+  if (request == EVIOCGRAB) {
+    publish_later("/sim/key/grab", value_of<int32_t>(record) != 0 ? "1" : "0");
+    return 0;
+  }
+  if (request == EVIOCSREP) {
+    const auto [delay_ms, period_ms] = value_of<std::array<uint32_t, 2>>(record);
+    publish_later("/sim/key/repeat", std::to_string(delay_ms) + " " + std::to_string(period_ms));
+    return 0;
+  }
+  return ENOTTY;
+}
+
+void key_device_t::publish_later(const std::string& property, const std::string& value) {
+  const std::weak_ptr<key_device_t*> self = alive;
+  zyl::post(base, [self, property, value] {
+    if (const auto device = self.lock()) {
+      (*device)->tree.publish(property, value);
+    }
+  });
+}
+
+}  // namespace sim

@@ -1,0 +1,77 @@
+#include "sim/runtime_engine.h"
+
+#include <exception>
+#include <filesystem>
+#include <vector>
+
+namespace sim {
+namespace {
+
+constexpr const char* process_property = "/sim/runtime_engine/process";
+constexpr const char* name_property = "/sim/runtime_engine/name";
+constexpr const char* programs_folder = "/tmp/.vgn-appliance.programs";
+
+/// A name of its own for the program that sleeps: the kernel calls a process by the file that it was started from.
+std::string program_of(const std::string& name) {
+  const std::string program = std::string(programs_folder) + "/" + name;
+  std::filesystem::create_directories(programs_folder);
+  std::filesystem::remove(program);
+  std::filesystem::create_symlink("/usr/bin/sleep", program);
+  return program;
+}
+
+}  // namespace
+
+runtime_engine_t::runtime_engine_t(event_base* loop, const testbed_t& bed, property_tree_t& properties,
+                                   story_t& told_story)
+    : base(loop), testbed(bed), tree(properties), story(told_story) {
+  tree.publish(process_property, "0");
+  tree.publish(name_property, "runtime_engine");
+  tree.on_set(process_property, [this](const std::string& wanted) { run(wanted == "1"); });
+}
+
+void runtime_engine_t::run(bool wanted) {
+  if (wanted == process.has_value()) {
+    return;
+  }
+  wanted ? start() : end();
+  tree.publish(process_property, process ? "1" : "0");
+}
+
+void runtime_engine_t::start() {
+  name = tree.value(name_property);
+  try {
+    process.emplace(std::vector<std::string>{program_of(name), "infinity"},
+                    child_process_t::options_t{{}, "/dev/null"});
+  } catch (const std::exception& error) {
+    story.tell("appliance", error.what());
+    return;
+  }
+  if (const std::string proc = testbed.root() + "/proc"; std::filesystem::exists(proc)) {
+    const std::string id = std::to_string(process->pid());
+    proc_link = proc + "/" + id;
+    std::filesystem::create_symlink("/proc/" + id, proc_link);
+  }
+  ended.reset(event_new(base, process->descriptor(), EV_READ, on_ended, this));
+  event_add(ended.get(), nullptr);
+  story.tell("appliance", "process ", {name, " starts"});
+}
+
+void runtime_engine_t::end() {
+  if (!process) {
+    return;
+  }
+  ended.reset();
+  process.reset();
+  if (!proc_link.empty()) {
+    std::filesystem::remove(proc_link);
+    proc_link.clear();
+  }
+  story.tell("appliance", "process ", {name, " ends"});
+}
+
+void runtime_engine_t::on_ended(evutil_socket_t /*fd*/, short /*events*/, void* self) {
+  static_cast<runtime_engine_t*>(self)->run(false);
+}
+
+}  // namespace sim
