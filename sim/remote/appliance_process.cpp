@@ -1,5 +1,6 @@
 #include "sim/remote/appliance_process.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <stdexcept>
@@ -20,8 +21,13 @@ std::vector<std::string> appliance_command(const appliance_process_t::options_t&
   return {program_folder() + "/vgn-appliance", "--model", std::to_string(options.model), "--story", options.story_file};
 }
 
-std::vector<std::string> daemon_command(const std::vector<std::string>& arguments) {
+bool names_input(const std::string& argument) { return argument == "--input" || argument.starts_with("--input="); }
+
+std::vector<std::string> daemon_command(remote_control_t& remote, const std::vector<std::string>& arguments) {
   std::vector<std::string> command{program_folder() + "/vgn_control"};
+  if (std::none_of(arguments.begin(), arguments.end(), names_input)) {
+    command.insert(command.end(), {"--input", remote.value("/sim/key/path")});
+  }
   command.insert(command.end(), arguments.begin(), arguments.end());
   return command;
 }
@@ -41,8 +47,8 @@ std::map<std::string, std::string> daemon_environment(remote_control_t& remote,
   variables["ASAN_OPTIONS"] = inherited != nullptr ? inherited : "";
   join(variables, "ASAN_OPTIONS", "verify_asan_link_order=0");
 #elif defined(__SANITIZE_THREAD__)
-  // Qt orders its threads by futexes, which the sanitizer does not see; so it must not judge what Qt reads and writes by
-  // way of the C library.
+  // Qt orders its threads by futexes, which the sanitizer does not see; so it must not judge what Qt reads and writes
+  // by way of the C library.
   const char* inherited = std::getenv("TSAN_OPTIONS");  // NOLINT(concurrency-mt-unsafe): nothing sets variables here
   variables["TSAN_OPTIONS"] = inherited != nullptr ? inherited : "";
   join(variables, "TSAN_OPTIONS", "ignore_noninstrumented_modules=1");
@@ -73,8 +79,8 @@ appliance_process_t::appliance_process_t(const options_t& options)
 }
 
 daemon_process_t::daemon_process_t(remote_control_t& remote, const options_t& options)
-    : child(daemon_command(options.arguments), {daemon_environment(remote, options.environment), options.output_file}) {
-}
+    : child(daemon_command(remote, options.arguments),
+            {daemon_environment(remote, options.environment), options.output_file}) {}
 
 std::map<std::string, std::string> device_environment(remote_control_t& remote) {
   const std::string folder = "/sim/environment/";

@@ -35,6 +35,7 @@ class appliance_process_t {
 class daemon_process_t {
  public:
   struct options_t {
+    /// The keys' device is added to them, unless they name one by "--input".
     std::vector<std::string> arguments;
     /// Beside what the appliance asks for; libraries to preload are joined.
     std::map<std::string, std::string> environment;
