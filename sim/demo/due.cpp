@@ -38,4 +38,12 @@ std::optional<due_mode_t> due_for(std::span<const uint8_t> bytes) {
   return due_mode_t{first.key(), timing, published_size(named), splash_size(timing)};
 }
 
+due_lamp_t due_lamp(int model_id) {
+  if (model_id == 106) {
+    return {{"blue", 15, 0}, {"green", 15, 0}, {"green", 5, 0}, {"green", 15, 0}};
+  }
+  const led_t off;
+  return {off, off, off, {"white", 255, 0}};
+}
+
 }  // namespace sim

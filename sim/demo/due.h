@@ -5,6 +5,8 @@
 #include <span>
 #include <string>
 
+#include "sim/remote/front_panel.h"
+
 namespace sim {
 
 /// A picture size in pixels.
@@ -32,5 +34,16 @@ picture_size_t published_size(picture_size_t size);
 
 /// The size of the splash picture: 1920 by 1080 when either side is beyond that.
 picture_size_t splash_size(picture_size_t size);
+
+/// What the daemon owes who looks at the lamp of a model.
+struct due_lamp_t {
+  led_t idle;      ///< without a design
+  led_t good;      ///< with a good design and a valid format
+  led_t dimmed;    ///< the same, when the user has chosen "Dim"
+  led_t flashing;  ///< the lit phase of id mode and of the reset key
+};
+
+/// Model 106 has a lamp that shows the status too; those of the others only blink.
+due_lamp_t due_lamp(int model_id);
 
 }  // namespace sim

@@ -8,11 +8,13 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "sim/demo/demo.h"
+#include "sim/demo/display_demo.h"
+#include "sim/demo/front_panel_demo.h"
 #include "sim/model.h"
 #include "sim/remote/edids.h"
 #include "zyl/log/setup_logging.h"
@@ -24,12 +26,16 @@ constexpr int wrong_use = 2;
 struct options_t {
   std::string edid_file;
   int model = 106;
+  bool front_panel = false;
   bool keep_running = false;
   bool everything = false;
 };
 
 void add_options(CLI::App& app, options_t& options) {
-  app.add_option("--edid", options.edid_file, "File with the EDID of the display to plug; a 4K display without it");
+  auto* edid =
+      app.add_option("--edid", options.edid_file, "File with the EDID of the display to plug; a 4K display without it");
+  app.add_flag("--front-panel", options.front_panel, "Tell the story of the keys and the lamp, not of a display")
+      ->excludes(edid);
   app.add_option("--model", options.model, "Endpoint model: 85, 100, 105, 106 or 137")->capture_default_str();
   app.add_flag("--keep-running", options.keep_running, "Leave the appliance up and say how to steer it");
   app.add_flag("--everything", options.everything, "Tell every line of the story, not only the chief ones");
@@ -49,18 +55,27 @@ int complain(const std::string& what) {
   return wrong_use;
 }
 
-int run(const options_t& options) {
-  const auto edid = options.edid_file.empty() ? sim::uhd_display_edid() : bytes_of(options.edid_file);
-  if (!edid) {
-    return complain("cannot read " + options.edid_file);
+/// The play that is asked for; null if there is no EDID to play with.
+std::unique_ptr<sim::demo_t> make_demo(const options_t& options) {
+  const sim::demo_t::options_t shared{options.model, options.everything, isatty(STDOUT_FILENO) != 0};
+  if (options.front_panel) {
+    return std::make_unique<sim::front_panel_demo_t>(shared);
   }
+  const auto edid = options.edid_file.empty() ? sim::uhd_display_edid() : bytes_of(options.edid_file);
+  return edid ? std::make_unique<sim::display_demo_t>(shared, *edid) : nullptr;
+}
+
+int run(const options_t& options) {
   if (!sim::find_model(options.model)) {
     return complain("there is no model " + std::to_string(options.model));
   }
-  sim::demo_t demo({options.model, *edid, options.everything, isatty(STDOUT_FILENO) != 0});
-  const bool all_came = demo.run();
+  const auto demo = make_demo(options);
+  if (!demo) {
+    return complain("cannot read " + options.edid_file);
+  }
+  const bool all_came = demo->run();
   if (options.keep_running) {
-    demo.keep_running();
+    demo->keep_running();
   }
   return all_came ? EXIT_SUCCESS : EXIT_FAILURE;
 }
@@ -77,7 +92,7 @@ void block_end_signals() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app("Runs the daemon on a simulated appliance, plugs a display, and tells what happens.");
+  CLI::App app("Runs the daemon on a simulated appliance, plugs a display or presses keys, and tells what happens.");
   options_t options;
   add_options(app, options);
   try {

@@ -16,10 +16,12 @@ namespace {
 constexpr std::chrono::milliseconds silence{150};
 
 const char* colour_of(const std::string& actor) {
-  constexpr std::array<std::pair<const char*, const char*>, 6> colours{{{"property", "\033[36m"},
+  constexpr std::array<std::pair<const char*, const char*>, 8> colours{{{"property", "\033[36m"},
                                                                         {"driver", "\033[33m"},
                                                                         {"engine", "\033[35m"},
                                                                         {"splash", "\033[34m"},
+                                                                        {"panel", "\033[1;33m"},
+                                                                        {"reset", "\033[31m"},
                                                                         {"daemon", "\033[1m"},
                                                                         {"appliance", "\033[32m"}}};
   const auto* found =

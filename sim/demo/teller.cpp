@@ -28,8 +28,13 @@ bool is_empty_splash_property(const property_event_t& event) {
   return event.verb == "sets" && event.path.starts_with("/xk_splash/") && event.value.empty();
 }
 
-/// What the teller's own program does in order to see.
+/// What the teller's own program does. It reads and watches in order to see; what it sets, the rest of the system
+/// would.
 bool is_ours(const property_event_t& event) { return event.who == "vgn-demo"; }
+
+std::string in_character(const property_event_t& event) {
+  return "the rest of the system sets " + event.path + " to \"" + event.value + "\"";
+}
 
 story_line_t with(const story_line_t& line, std::string actor, std::string text) {
   return {line.time_us, std::move(actor), std::move(text)};
@@ -84,8 +89,11 @@ std::optional<story_line_t> teller_t::tell(const story_line_t& line) {
 
 std::optional<story_line_t> teller_t::tell_property(const story_line_t& line) {
   const auto event = property_event_of(line);
-  if (!event || is_ours(*event) || is_empty_splash_property(*event)) {
+  if (!event || is_empty_splash_property(*event)) {
     return std::nullopt;
+  }
+  if (is_ours(*event)) {
+    return event->verb == "sets" ? std::optional(with(line, line.actor, in_character(*event))) : std::nullopt;
   }
   if (event->verb != "reads") {
     return line;

@@ -11,9 +11,9 @@ namespace sim {
 
 /// Picks from a story what is worth telling of the daemon's work, and finds short words for it. One thread.
 ///
-/// Told once as a whole: the identity that the daemon reads. Not told: what the demo itself does, reading a property
-/// that is watched, splash properties that are emptied, and of the daemon's own log all but its decisions about
-/// displays and modes.
+/// Told once as a whole: the identity that the daemon reads. Told as the rest of the system's: properties that the demo
+/// sets. Not told: what the demo reads and watches in order to see, reading a property that is watched, splash
+/// properties that are emptied, and of the daemon's own log all but its decisions about displays and modes.
 class teller_t {
  public:
   /// `everything` tells every line as it is.

@@ -79,6 +79,32 @@ TEST(Demo, TheModelWithOneOutputHasOneSplash) {
   EXPECT_THAT(demo.output, Not(HasSubstr("output 1 ")));
 }
 
+TEST(Demo, TellsOfTheFrontPanelFromTheIdKeyToTheFactoryReset) {
+  const auto demo = run_demo({"--front-panel"});
+  EXPECT_EQ(demo.status, 0) << demo.output;
+  EXPECT_THAT(demo.output, ContainsRegex(" -[0-9.]+  panel      light: blue at 15, steady"));
+  EXPECT_THAT(demo.output, ContainsRegex(" \\+[0-9.]+  panel      id key pressed"));
+  EXPECT_THAT(demo.output, ContainsRegex(" \\+[0-9.]+  property   vgn_control sets /tarn/mode/id to \"on\""));
+  EXPECT_THAT(demo.output, ContainsRegex(" \\+[0-9.]+  panel      light: green at 15, blinks every 1000 ms"));
+  EXPECT_THAT(demo.output, ContainsRegex(" \\+[0-9.]+  panel      light: green at 5, steady"));
+  EXPECT_THAT(demo.output, ContainsRegex(" \\+[0-9.]+  panel      light: green at 15, blinks every 200 ms"));
+  EXPECT_THAT(demo.output, ContainsRegex(" \\+[0-9.]+  reset      script started with --level=1"));
+  EXPECT_THAT(demo.output, HasSubstr("lamp         blue at 15, steady"));
+  EXPECT_THAT(demo.output, EndsWith("things that had to happen did.\n"));
+}
+
+class DemoFrontPanel : public testing::TestWithParam<const char*> {};
+
+TEST_P(DemoFrontPanel, TheLampOfTheModelBlinksAndGoesOffAgain) {
+  const auto demo = run_demo({"--front-panel", "--model", GetParam()});
+  EXPECT_EQ(demo.status, 0) << demo.output;
+  EXPECT_THAT(demo.output, ContainsRegex(" \\+[0-9.]+  panel      light: white at 255, blinks every [0-9]+ ms"));
+  EXPECT_THAT(demo.output, HasSubstr("lamp         off"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, DemoFrontPanel, testing::Values("105", "137"),
+                         [](const auto& model) { return std::string("Model") + model.param; });
+
 TEST(Demo, AFileThatCannotBeReadIsToldWithStatus2) {
   for (const char* file : {"/tmp/none", "/tmp"}) {
     const auto demo = run_demo({"--edid", file});
@@ -90,5 +116,6 @@ TEST(Demo, AFileThatCannotBeReadIsToldWithStatus2) {
 TEST(Demo, WrongUseHasStatus2) {
   EXPECT_EQ(run_demo({"--no-such-option"}).status, 2);
   EXPECT_EQ(run_demo({"--model", "1"}).status, 2);
+  EXPECT_EQ(run_demo({"--front-panel", "--edid", "/tmp"}).status, 2);
   EXPECT_EQ(run_demo({"--help"}).status, 0);
 }

@@ -41,3 +41,20 @@ TEST(Due, TheSplashIsCutToFullHdWhenEitherSideIsTooLarge) {
   EXPECT_EQ(sim::splash_size({1280, 1024}), (picture_size_t{1280, 1024}));
   EXPECT_EQ(sim::splash_size({1920, 1200}), (picture_size_t{1920, 1080}));
 }
+
+TEST(Due, TheLampOfModel106ShowsTheStatus) {
+  const auto due = sim::due_lamp(106);
+  EXPECT_EQ(due.idle, (sim::led_t{"blue", 15, 0}));
+  EXPECT_EQ(due.good, (sim::led_t{"green", 15, 0}));
+  EXPECT_EQ(due.dimmed, (sim::led_t{"green", 5, 0}));
+  EXPECT_EQ(due.flashing.colour, "green");
+}
+
+TEST(Due, TheLampsOfTheOtherModelsOnlyBlink) {
+  for (const int model : {85, 100, 105, 137}) {
+    const auto due = sim::due_lamp(model);
+    EXPECT_EQ(due.idle, sim::led_t{}) << model;
+    EXPECT_EQ(due.good, sim::led_t{}) << model;
+    EXPECT_EQ(due.flashing, (sim::led_t{"white", 255, 0})) << model;
+  }
+}

@@ -37,8 +37,19 @@ TEST(Teller, SubscriptionsAndSetsAreToldReadsAreNot) {
             "property|vgn_control sets /sys/hdmi1_properties to \"1920x1080\"");
 }
 
-TEST(Teller, WhatTheDemoItselfDoesIsNotTold) {
+TEST(Teller, WhatTheDemoDoesInOrderToSeeIsNotTold) {
   EXPECT_EQ(told("property", "vgn-demo watches /sys/hdmi1_properties"), "");
+  EXPECT_EQ(told("property", "vgn-demo reads /sys/hdmi1_properties: \"\""), "");
+}
+
+TEST(Teller, WhatTheDemoSetsIsTheRestOfTheSystems) {
+  EXPECT_EQ(told("property", "vgn-demo sets /tarn/design/status to \"OK\""),
+            "property|the rest of the system sets /tarn/design/status to \"OK\"");
+}
+
+TEST(Teller, WhatHappensAtTheFrontPanelIsTold) {
+  EXPECT_EQ(told("panel", "id key pressed"), "panel|id key pressed");
+  EXPECT_EQ(told("reset", "script started with --level=1"), "reset|script started with --level=1");
 }
 
 TEST(Teller, ASplashPropertyIsToldWhenItSaysSomething) {
