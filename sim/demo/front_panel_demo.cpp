@@ -84,7 +84,9 @@ void front_panel_demo_t::lose_design() {
 
 void front_panel_demo_t::hold_reset_key_briefly() {
   const auto blinks = panel.hold(key_e::reset, [this] {
-    return panel.expect_led_blinking(due.flashing.colour, due.flashing.brightness, reset_period);
+    auto outcome = panel.expect_led_blinking(due.flashing.colour, due.flashing.brightness, reset_period);
+    pause();
+    return outcome;
   });
   require(blinks, "the reset key lets it blink quickly");
   expect_lamp(due.idle, "its release ends that");
@@ -122,7 +124,7 @@ void front_panel_demo_t::print_end() {
             << "  lamp         " << remote.value("/sim/led/looks") << '\n'
             << "  id mode      " << remote.value(id_mode_path) << '\n'
             << "  screen       " << remote.value(screen_path) << '\n'
-            << "  reset script started " << panel.reset_script_starts() << " times\n\n";
+            << "  reset script started " << (panel.reset_script_starts() == 1 ? "once" : "not once") << "\n\n";
 }
 
 demo_t::steering_t front_panel_demo_t::steering() {
