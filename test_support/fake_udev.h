@@ -33,7 +33,7 @@ class fake_udev_t {
     words.push_back(nullptr);
     gchar* no_attributes[] = {nullptr};
     gchar* const made = umockdev_testbed_add_devicev(testbed, subsystem, name, nullptr, no_attributes, words.data());
-    const std::string syspath(made != nullptr ? made : "");
+    std::string syspath(made != nullptr ? made : "");
     g_free(made);
     return syspath;
   }

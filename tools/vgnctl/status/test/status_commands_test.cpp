@@ -24,7 +24,7 @@ class StatusCommand : public testing::Test {
   vgnctl::outcome_t run(const std::string& arguments) const {
     std::string command = "ASAN_OPTIONS=$ASAN_OPTIONS:verify_asan_link_order=0";
     for (const auto& [name, value] : bed.environment()) {
-      command += ' ' + name + '=' + value;
+      command.append(" ").append(name).append("=").append(value);
     }
     return vgnctl::shell(command + " " VGNCTL_PROGRAM " " + arguments);
   }
