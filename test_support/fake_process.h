@@ -1,10 +1,10 @@
 #pragma once
 
-#include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <string>
 
 namespace test_support {

@@ -33,9 +33,9 @@ using vgn_control::KeysHandler;
 class KeysHandlerDeviceTest : public testing::Test {
  protected:
   void open() {
-    handler = std::make_unique<KeysHandler>(device.path);
+    handler = std::make_unique<KeysHandler>(test_support::fake_key_device_t::path);
     QObject::connect(handler.get(), &KeysHandler::idKeyPressed, handler.get(),
-                     [this](bool pressed) { told.push_back(pressed ? "id down" : "id up"); });
+                     [this](bool pressed) { told.emplace_back(pressed ? "id down" : "id up"); });
     ASSERT_NE(notifier(), nullptr);
   }
 

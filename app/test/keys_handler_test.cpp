@@ -38,11 +38,11 @@ class KeysHandlerTest : public testing::Test {
     openFeeder();
     handler = std::make_unique<KeysHandler>(device_path);
     QObject::connect(handler.get(), &KeysHandler::idKeyPressed, handler.get(),
-                     [this](bool pressed) { told.push_back(pressed ? "id down" : "id up"); });
+                     [this](bool pressed) { told.emplace_back(pressed ? "id down" : "id up"); });
     QObject::connect(handler.get(), &KeysHandler::factoryResetKeyPressed, handler.get(),
-                     [this](bool pressed) { told.push_back(pressed ? "reset down" : "reset up"); });
+                     [this](bool pressed) { told.emplace_back(pressed ? "reset down" : "reset up"); });
   }
-  ~KeysHandlerTest() override { closeFeeder(); }
+  void TearDown() override { closeFeeder(); }
 
   void openFeeder() {
     feeder = ::open(device_path, O_RDWR | O_NONBLOCK | O_CLOEXEC);
