@@ -15,7 +15,7 @@ class LED : public QObject {
   explicit LED(QObject* parent) : QObject(parent) {}
 
  public Q_SLOTS:
-  /// Lets it flash: on and off for `interval` milliseconds each.
+  /// Lets it flash: on and off for `interval` milliseconds each, which is above 0.
   virtual void startFlashing(int interval) = 0;
 
   /// Ends the flashing; then it shows what it shows at rest.

@@ -13,6 +13,7 @@ class PatternLED : public LED {
   Q_OBJECT
 
  public:
+  /// `name`: the LED's in the LED class. Gives it the trigger; warns if that fails, and can be used all the same.
   explicit PatternLED(const QString& name, QObject* parent = nullptr);
 
   /// Flashes at the usual brightness, 15.

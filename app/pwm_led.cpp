@@ -1,11 +1,9 @@
 #include "app/pwm_led.h"
 
-#include <utility>
-
 namespace vgn_control {
 namespace {
 
-// What period and value are set to. As they are the same, an LED that is switched on is lit for the whole period.
+// What period and value are set to.
 constexpr char full_period[] = "0 500";
 
 QString pathOf(const QString& name, const char* attribute) { return "/proc/tarn/" + name + "/" + attribute; }

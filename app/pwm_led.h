@@ -12,6 +12,7 @@ class PWM_LED : public UserSpaceLED {
   Q_OBJECT
 
  public:
+  /// `name`: the driver's node. Sets the driver up, or warns that it is missing. `initial` is kept and has no effect.
   explicit PWM_LED(const QString& name, bool initial = false, QObject* parent = nullptr);
 
   /// Sets the driver up if that has not been done; false while it is missing.

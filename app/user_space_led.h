@@ -31,7 +31,8 @@ class UserSpaceLED : public LED {
   /// Switches the LED on, at its full brightness, or off.
   virtual void setState(bool on);
 
-  /// Sets the brightness, from 0.0 to 1.0. False if that failed.
+  /// Sets the brightness, from 0.0 to 1.0; levels beyond that count as the nearer end. The LED is on with any level
+  /// above 0.0, even if that is too faint to show. False if it failed.
   bool setValue(double level);
 
   /// Remembers whether the LED is on, and switches it to what was remembered last, once.
@@ -43,14 +44,18 @@ class UserSpaceLED : public LED {
 
   /// The file that switches the LED.
   QFile file;
-  /// Whether the LED has been seen.
-  bool exists_flag = false;
 
  private:
   bool killFlashTimer();
 
   [[maybe_unused]] bool initial;
   bool saved_state = false;
+
+ protected:
+  /// Whether the LED has been seen.
+  bool exists_flag = false;
+
+ private:
   bool state = false;
   bool have_saved = false;
   int timer_id = 0;

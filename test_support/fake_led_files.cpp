@@ -56,7 +56,9 @@ std::string fake_led_files_t::place_for(const std::string& path) {
   remove(path);
   const fs::path place = machine.place(path);
   fs::create_directories(place.parent_path());
-  watched_folders[inotify_add_watch(watch, place.parent_path().c_str(), IN_CLOSE_WRITE)] = place.parent_path();
+  // The openings are only there to part the writes: the kernel merges equal events that follow each other.
+  const int folder = inotify_add_watch(watch, place.parent_path().c_str(), IN_OPEN | IN_CLOSE_WRITE);
+  watched_folders[folder] = place.parent_path();
   return place;
 }
 
@@ -71,7 +73,9 @@ std::vector<std::string> fake_led_files_t::closed_files() {
     for (const char* at = events.data(); at < events.data() + length;) {
       inotify_event event{};
       std::memcpy(&event, at, sizeof event);
-      places.push_back(watched_folders.at(event.wd) + "/" + (at + sizeof event));
+      if ((event.mask & IN_CLOSE_WRITE) != 0) {
+        places.push_back(watched_folders.at(event.wd) + "/" + (at + sizeof event));
+      }
       at += sizeof event + event.len;
     }
   }

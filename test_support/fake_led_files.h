@@ -31,7 +31,7 @@ class fake_led_files_t {
   void remove(const std::string& path);
 
   /// What was written since the last call, in the order in which the files were closed: "<folder>/<file>=<text>". A
-  /// file that was written twice shows its latest text twice.
+  /// file that was written twice, also twice in a row, shows its latest text twice.
   std::vector<std::string> take_writes();
 
  private:

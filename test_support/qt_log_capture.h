@@ -49,6 +49,18 @@ class qt_log_capture_t {
     return texts;
   }
 
+  /// The texts that were said so far in one category, in order.
+  std::vector<std::string> lines_in(const std::string& category) const {
+    const std::lock_guard lock(mutex);
+    std::vector<std::string> texts;
+    for (const auto& line : heard) {
+      if (line.category == category) {
+        texts.push_back(line.text);
+      }
+    }
+    return texts;
+  }
+
   /// The categories of all that was said so far.
   std::set<std::string> categories() const {
     const std::lock_guard lock(mutex);

@@ -137,4 +137,13 @@ TEST_F(PatternLEDTest, WithoutAnyFileItWarnsAndCanBeUsed) {
                   "Unable to open absent/pattern for writing!", "Unable to open absent/brightness for writing!"));
 }
 
+TEST_F(PatternLEDTest, WarnsInTheDefaultCategory) {
+  files.make_unwritable(path("trigger"));
+  PatternLED led("a:blue:b");
+  files.make_full(path("brightness"));
+  led.stopFlashing();
+  EXPECT_EQ(warnings().size(), 3U);
+  EXPECT_THAT(log.categories(), ElementsAre("default"));
+}
+
 }  // namespace

@@ -96,6 +96,12 @@ TEST_F(PWM_LEDTest, IsNotThereWhileAnyOfItsFilesIsMissing) {
   EXPECT_THAT(warnings(), Each(std::string(not_found)));
 }
 
+TEST_F(PWM_LEDTest, TellsOfItsFileInTheLedClassBeforeTheDriver) {
+  files.remove(value);
+  const PWM_LED led("pwm-0");
+  EXPECT_THAT(log.lines(QtWarningMsg), ElementsAre(no_class_file, not_found));
+}
+
 TEST_F(PWM_LEDTest, AFileInTheLedClassDoesNotMakeUpForTheDriver) {
   files.make("/sys/class/leds/pwm-0/brightness");
   files.remove(value);
@@ -138,6 +144,18 @@ TEST_F(PWM_LEDTest, WarnsOfAnOutputThatRefusesItsState) {
   files.make_full(out_en);
   led.setState(true);
   EXPECT_THAT(warnings(), ElementsAre("Unable to set /proc/tarn/pwm-0/out_en value"));
+}
+
+TEST_F(PWM_LEDTest, WarnsInTheDefaultCategory) {
+  files.remove(out_en);
+  PWM_LED led("pwm-0");
+  files.make(out_en);
+  files.make_unwritable(period);
+  files.make_full(value);
+  EXPECT_TRUE(led.exists());
+  EXPECT_THAT(warnings(),
+              ElementsAre(not_found, "Unable to open pwm-0 period for writing!", "Unable to set pwm-0 value"));
+  EXPECT_THAT(log.categories(), ElementsAre("default"));
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QMetaMethod>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -15,6 +14,7 @@
 #include "test_support/fake_udev.h"
 #include "test_support/qt_log_capture.h"
 #include "test_support/qt_loop_until.h"
+#include "test_support/qt_methods.h"
 
 namespace {
 
@@ -82,13 +82,9 @@ TEST_F(RGB_LEDTest, StartsBlueAndBright) {
 }
 
 TEST_F(RGB_LEDTest, HasItsOwnSlotsInOrder) {
-  const QMetaObject& meta = RGB_LED::staticMetaObject;
-  std::vector<std::string> slots_in_order;
-  for (int index = meta.methodOffset(); index < meta.methodCount(); ++index) {
-    slots_in_order.push_back(meta.method(index).methodSignature().toStdString());
-  }
-  EXPECT_THAT(slots_in_order, ElementsAre("designStatusChanged(QByteArray)", "validFormatChanged(QByteArray)",
-                                          "brightness_changed(QString)"));
+  EXPECT_THAT(
+      test_support::own_methods_of(RGB_LED::staticMetaObject),
+      ElementsAre("designStatusChanged(QByteArray)", "validFormatChanged(QByteArray)", "brightness_changed(QString)"));
 }
 
 TEST_F(RGB_LEDTest, IsGreenWithAGoodDesignAndAValidFormat) {
@@ -132,6 +128,21 @@ TEST_F(RGB_LEDTest, FlashesGreen) {
   led.startFlashing(500);
   EXPECT_EQ(files.take_writes(), blue_is_dark + writes_t({"green/trigger=pattern", "green/repeat=-1",
                                                           "green/pattern=15 500 15 0 0 500 0 0"}));
+}
+
+TEST_F(RGB_LEDTest, ShowsTheLevelsThatItIsGiven) {
+  set("Bright");
+  RGB_LED led("blue", "green", 200, 7);
+  EXPECT_THAT(files.take_writes(), testing::Contains("blue/brightness=200"));
+  led.startFlashing(500);
+  EXPECT_THAT(files.take_writes(), testing::Contains("green/pattern=200 500 200 0 0 500 0 0"));
+  led.stopFlashing();
+  EXPECT_EQ(files.take_writes(), green_is_dark + green_is_dark + blueIs("200"));
+  set("Dim");
+  led.brightness_changed(setting);
+  EXPECT_EQ(files.take_writes(), green_is_dark + blueIs("7"));
+  led.startFlashing(500);
+  EXPECT_THAT(files.take_writes(), testing::Contains("green/pattern=200 500 200 0 0 500 0 0"));
 }
 
 TEST_F(RGB_LEDTest, FlashesOnWhenStartedAgain) {
@@ -275,6 +286,16 @@ TEST_F(RGB_LEDTest, WithoutItsColoursItWarnsAndCanBeUsed) {
                                                  "Unable to open two/pattern for writing!",
                                                  "Unable to open one/brightness for writing!"}));
   EXPECT_THAT(files.take_writes(), IsEmpty());
+}
+
+TEST_F(RGB_LEDTest, SpeaksInTheDefaultCategory) {
+  { const RGB_LED led("blue", "green", 15, 5); }
+  EXPECT_EQ(log.lines(QtInfoMsg).size(), 1U);
+  fs::remove_all("/var/rwfs2");
+  const RGB_LED led("blue", "green", 15, 5);
+  EXPECT_EQ(log.lines(QtCriticalMsg).size(), 1U);
+  EXPECT_EQ(warnings().size(), 1U);
+  EXPECT_THAT(log.categories(), ElementsAre("default"));
 }
 
 }  // namespace

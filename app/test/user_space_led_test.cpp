@@ -52,6 +52,24 @@ TEST_F(UserSpaceLEDTest, TakesLevelsBetween) {
   EXPECT_THAT(files.take_writes(), ElementsAre("id_led/brightness=128"));
 }
 
+TEST_F(UserSpaceLEDTest, IsOnWithALevelTooFaintToShow) {
+  UserSpaceLED led("id_led");
+  EXPECT_TRUE(led.setValue(0.001));
+  EXPECT_THAT(files.take_writes(), ElementsAre("id_led/brightness=0"));
+  led.startFlashing(500);
+  expire_timers_of(led);
+  EXPECT_THAT(files.take_writes(), ElementsAre("id_led/brightness=0"));
+  expire_timers_of(led);
+  EXPECT_THAT(files.take_writes(), ElementsAre("id_led/brightness=255"));
+}
+
+TEST_F(UserSpaceLEDTest, WritesAStateThatItIsInAgain) {
+  UserSpaceLED led("id_led");
+  led.setState(false);
+  led.setState(false);
+  EXPECT_THAT(files.take_writes(), ElementsAre("id_led/brightness=0", "id_led/brightness=0"));
+}
+
 TEST_F(UserSpaceLEDTest, IsLeftAloneByItsConstruction) {
   const UserSpaceLED led("id_led", true);
   EXPECT_THAT(files.take_writes(), IsEmpty());
@@ -205,6 +223,17 @@ TEST_F(UserSpaceLEDTest, WarnsOfAWayBackToAStateThatWasNotSaved) {
   led.restoreState();
   EXPECT_THAT(files.take_writes(), IsEmpty());
   EXPECT_THAT(warnings(), ElementsAre(cannot_restore));
+}
+
+TEST_F(UserSpaceLEDTest, WarnsInTheDefaultCategory) {
+  files.remove(brightness);
+  UserSpaceLED led("id_led");
+  led.setState(true);
+  led.restoreState();
+  files.make_full(brightness);
+  led.setState(true);
+  EXPECT_EQ(warnings().size(), 4U);
+  EXPECT_THAT(log.categories(), ElementsAre("default"));
 }
 
 }  // namespace

@@ -263,8 +263,8 @@ TEST_F(VgnControlMainRunning, ClosesTheLogOnceWhenTheCoordinatorIsGone) {
   EXPECT_EQ(output.find("closelog"), output.rfind("closelog"));
 }
 
-// The coordinator asks for its log category first when it tells that it is blocked. On a stack of its own, because the
-// test framework waits on this one for what its tests throw.
+// The first to ask for the coordinator's log category are its keys, which find no device here. On a stack of its own,
+// because the test framework waits on this one for what its tests throw.
 void failToMakeTheCoordinator() {
   QLoggingCategory::installFilter([](QLoggingCategory* category) {
     if (std::string_view(category->categoryName()) == "zyl.vgn.control") {
