@@ -1,11 +1,9 @@
 #include "app/vgn_control_main.h"
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/wait.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -13,10 +11,12 @@
 #include <QEvent>
 #include <QLoggingCategory>
 #include <QTimer>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <future>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
@@ -26,6 +26,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/test/program.h"
 #include "test_support/crash_report.h"
 #include "test_support/fake_property_service.h"
 #include "test_support/fake_syslog.h"
@@ -65,71 +66,6 @@ using testing::Not;
 using testing::StartsWith;
 
 const std::string aborted = "SIGABRT (abnormal termination)";
-
-/// The program, started in a child process; its standard output and standard error go to one file.
-class program_t {
- public:
-  /// `before` runs in the child ahead of the program.
-  explicit program_t(std::vector<std::string> arguments, const std::function<void()>& before = nothing)
-      : child(fork()) {
-    if (child == 0) {
-      run(std::move(arguments), before);
-    }
-  }
-  ~program_t() {
-    if (child > 0) {
-      kill(child, SIGKILL);
-      waitpid(child, nullptr, 0);
-    }
-  }
-
-  static void nothing() {}
-
-  program_t(const program_t&) = delete;
-  program_t& operator=(const program_t&) = delete;
-
-  // Waits for its end; the exit code, or -1 if a signal ended it.
-  int exit_code() {
-    int status = 0;
-    waitpid(child, &status, 0);
-    child = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-
-  // The signal that ended it after it was sent `signal`, 0 if none did.
-  int end_by(int signal) {
-    kill(child, signal);
-    int status = 0;
-    waitpid(child, &status, 0);
-    child = -1;
-    return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-  }
-
-  static std::string output() {
-    std::ostringstream text;
-    text << std::ifstream(output_file).rdbuf();
-    return text.str();
-  }
-
- private:
-  static constexpr const char* output_file = "/tmp/output";
-
-  [[noreturn]] static void run(std::vector<std::string> arguments, const std::function<void()>& before) {
-    const int file = open(output_file, O_CREAT | O_TRUNC | O_WRONLY, 0600);
-    dup2(file, STDOUT_FILENO);
-    dup2(file, STDERR_FILENO);
-    arguments.insert(arguments.begin(), "vgn_control");
-    std::vector<char*> argv;
-    for (auto& argument : arguments) {
-      argv.push_back(argument.data());
-    }
-    argv.push_back(nullptr);
-    before();
-    std::exit(vgn_control::vgn_control_main(static_cast<int>(arguments.size()), argv.data()));
-  }
-
-  pid_t child;
-};
 
 TEST(VgnControlMain, HelpTellsTheOptionsAndEndsWell) {
   program_t program({"--help"});
@@ -176,20 +112,35 @@ class VgnControlMainRunning : public testing::Test {
     return *launched;
   }
 
-  bool starts() { return service->hears({"set", "/vgn_ui/vgn_ui_control", "0"}); }
+  bool starts() { return writesUiControl("0"); }
+
+  // Takes what is logged meanwhile: the log holds a few lines only, and who finds it full waits.
+  bool writesUiControl(const char* value) {
+    auto heard = std::async(std::launch::async, [&] {
+      return service->hears({"set", "/vgn_ui/vgn_ui_control", value});
+    });
+    while (heard.wait_for(std::chrono::milliseconds(10)) != std::future_status::ready) {
+      takeLog();
+    }
+    return heard.get();
+  }
 
   std::string logged() {
-    std::string all;
-    for (const auto& line : syslog.take()) {
-      all += line + "\n";
-    }
-    return all;
+    takeLog();
+    return std::exchange(log, {});
   }
 
   test_support::fake_syslog_t syslog;
   std::optional<test_support::fake_property_service_t> service;
 
  private:
+  void takeLog() {
+    for (const auto& line : syslog.take()) {
+      log += line + "\n";
+    }
+  }
+
+  std::string log;
   int gate[2] = {-1, -1};
   std::optional<program_t> launched;
 };
@@ -315,7 +266,7 @@ class VgnControlMainUnblocked : public VgnControlMainRunning {
   // The coordinator has told the video side, and with that everything else, of the engine's state.
   bool knowsTheEngine() {
     service->send({"changed", "/sys/runtimeengine/state", "Stopped"});
-    return service->hears({"set", "/vgn_ui/vgn_ui_control", "1"});
+    return writesUiControl("1");
   }
 };
 
