@@ -39,7 +39,8 @@ class cta_data_block_t : public edid_block_t {
 
   uint8_t first_byte_tag() const { return byte(0) >> 5; }
 
-  /// Makes the block at least `least` bytes long. One that had none has no tag, and is not valid.
+  /// Makes the block at least `least` bytes long. One that had none has no tag then, so it is not
+  /// valid as a block of a tag of its own.
   void grow(std::size_t least);
 };
 

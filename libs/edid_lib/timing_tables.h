@@ -12,7 +12,7 @@ namespace edid_lib {
 /// A row of a timing table.
 struct timing_row_t {
   /// The mode's name, as `vid_resolution_t::key()` gives it. No mode has the key of a row at 65 or 100 Hz, which are no
-  /// nominal rates, and no parsed one that of video code 39, whose "RB" is read as a pixel aspect, too.
+  /// nominal rates, and no parsed one that of a row with "RB", which is read as a pixel aspect, too.
   std::string_view key;
   uint32_t number;  ///< Bit index, video identification code or HDMI VIC; row number in the DMT table.
   vid_timing_t timing;

@@ -136,14 +136,15 @@ void visitor_modes_t::visit(est_timings_block_t* block, bool forward) {
 }
 
 void visitor_modes_t::write_to(det_timings_block_t& block) {
+  bool placed = false;
   block.clear();
   while (write_index_det < mode_list.size() && block.count() < block.capacity()) {
     const vid_resolution_t& mode = mode_list[write_index_det++];
     if (comes_from(mode, timing_location_t::detailed_timing_descriptor)) {
-      block.add(mode);
+      placed = block.add(mode) || placed;
     }
   }
-  if (block.count() == 0) {
+  if (!placed) {
     no_native = true;
   }
 }

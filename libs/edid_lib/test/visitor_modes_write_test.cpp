@@ -136,6 +136,14 @@ TEST(VisitorModesWrite, APlacedDetailedTimingIsToldAsNative) {
   EXPECT_EQ(written(two, {mode_of("1920x1080@60")}).cta()->byte(3), 0xF3);
 }
 
+TEST(VisitorModesWrite, APlacedTimingWhoseClockIsTooLowToBeToldIsNativeToo) {
+  vid_timing_t slow = full_hd;
+  slow.pixel_clock_khz = 9;
+  vid_resolution_t mode(slow);
+  mode.location = timing_location_t::detailed_timing_descriptor;
+  EXPECT_EQ(written(display(), {mode}).cta()->native_count(), 1);
+}
+
 TEST(VisitorModesWrite, WithoutAPlacedDetailedTimingTheNativeCountStays) {
   const vid_resolution_t in_video_block = mode_of("1920x1080@60", none, timing_location_t::cta_video_data_block);
   EXPECT_EQ(written(display(), {in_video_block}).cta()->native_count(), 0);

@@ -31,9 +31,9 @@ too. "-" is standard input, which can be read once. Bytes that are wrong are
 repaired as the daemon does it, so any file gives an answer.
 
 The chain is what the daemon asks of a mode before it uses it for an output.
-Modes are texts such as 1920x1080@60, 1920x1080i@60, "720x480@59.94 8:9" or
-"1280x768@60 RB". They compare by width, height, then rate; rates as texts, so
-60 is greater than 120.
+Modes are texts such as 1920x1080@60, 1920x1080i@60 or "720x480@59.94 8:9".
+They compare by width, height, then rate; rates as texts, so 60 is greater than
+120.
 
 Examples:
   vgnctl edid report /sys/class/drm/card0-HDMI-A-1/edid
