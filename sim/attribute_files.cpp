@@ -52,6 +52,8 @@ void attribute_files_t::remove(const std::string& path) {
     return;
   }
   unlink((root + path).c_str());
+  // Without its last attribute the folder goes too: nobody can make a file there, no more than in sysfs.
+  rmdir(std::filesystem::path(root + path).parent_path().c_str());
   // Somebody's open may wait for it.
   file_t file = std::move(found->second);
   waiting.erase(found);

@@ -36,7 +36,7 @@ class attribute_files_t {
   /// Makes the file and the folders that lead to it. Throws `std::system_error`.
   void add(const std::string& path);
 
-  /// Takes the file away. Nothing happens if there is none.
+  /// Takes the file away, and with the last file its folder. Nothing happens if there is none.
   void remove(const std::string& path);
 
  private:

@@ -3,6 +3,7 @@
 #include <linux/input.h>
 #include <sys/time.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>

@@ -23,7 +23,8 @@ led_panel_t::led_panel_t(event_base* base, const testbed_t& testbed, property_tr
                          int model_id)
     : tree(properties),
       story(told_story),
-      lamp(make_lamp(model_id)),
+      model(model_id),
+      lamp(make_lamp(model)),
       files(base, testbed.root(), [this](const std::string& file, const std::string& text) { take(file, text); }),
       look_again(base, -1, true) {
   look_again.expired.connect([this] { look(); });
@@ -31,16 +32,20 @@ led_panel_t::led_panel_t(event_base* base, const testbed_t& testbed, property_tr
   set_driver("present");
   tree.publish("/sim/led/driver", "present");
   tree.publish("/sim/led/changes", "0");
-  look();
 }
 
+// A driver that goes or comes leaves the lamp dark.
 void led_panel_t::set_driver(const std::string& wanted) {
   for (const auto& file : lamp->files()) {
     files.remove(file);
-    if (wanted == "present") {
+  }
+  lamp = make_lamp(model);
+  if (wanted == "present") {
+    for (const auto& file : lamp->files()) {
       files.add(file);
     }
   }
+  look();
 }
 
 void led_panel_t::take(const std::string& file, const std::string& text) {

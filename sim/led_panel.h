@@ -22,7 +22,8 @@ namespace sim {
 ///   "/sim/led/looks"       all in one: "off", "blue at 15, steady", "green at 15, blinks every 1000 ms"
 ///   "/sim/led/changes"     how many writes have made the light another one
 ///   "/sim/led/written/..." the last text that each file was given, as in "/sim/led/written/proc/tarn/pwm-0/period"
-///   "/sim/led/driver"      "present"; set it to "absent" to take the files away, and to "present" to bring them back
+///   "/sim/led/driver"      "present"; set it to "absent" to take the files away, and to "present" to bring them back:
+///                          in both cases the lamp is dark
 ///
 /// `lamp_t` tells how the lamps of the models work, `flash_watch_t` how blinking is told that programs do by writing.
 /// "/sim/led/looks" is published last: who waits for it finds the others up to date.
@@ -46,6 +47,7 @@ class led_panel_t {
 
   property_tree_t& tree;
   story_t& story;
+  int model;
   std::unique_ptr<lamp_t> lamp;
   attribute_files_t files;
   zyl::sigc_timer_t look_again;

@@ -14,7 +14,8 @@ namespace sim {
 ///
 ///   <CLOCK_MONOTONIC in microseconds> TAB <actor> TAB <text> NEWLINE
 ///
-/// Actors are "property", "driver", "engine", "splash", "hardware", "panel", "reset", "log" and "appliance". Any thread.
+/// Actors are "property", "driver", "engine", "splash", "hardware", "panel", "reset", "log" and "appliance". Any
+/// thread.
 class story_t {
  public:
   /// A story that nobody reads.

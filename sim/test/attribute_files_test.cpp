@@ -4,13 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "sim/remote/child_process.h"
-#include "sim/test/turning_loop.h"
+#include "sim/test/text_of_file.h"
+#include "test_support/loop_until.h"
+#include "zyl/event_loop.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -27,11 +30,11 @@ class AttributeFiles : public testing::Test {
   /// Lets a shell run beside the loop, in the files' folder, until it has ended and `count` texts have come.
   void run(const std::string& script, std::size_t count) {
     sim::child_process_t shell({"sh", "-ec", "cd /tmp/root; " + script});
-    EXPECT_TRUE(loop.turn_until([&] { return !shell.running() && written.size() >= count; }));
+    EXPECT_TRUE(test_support::loop_until(loop.base(), [&] { return !shell.running() && written.size() >= count; }));
     EXPECT_EQ(shell.wait({}), std::optional(0));
   }
 
-  sim::turning_loop_t loop;
+  zyl::event_loop_t loop;
   std::vector<std::pair<std::string, std::string>> written;
   sim::attribute_files_t files{loop.base(), root, [this](const std::string& path, const std::string& text) {
                                  written.emplace_back(path, text);
@@ -92,11 +95,19 @@ TEST_F(AttributeFiles, ReadingNeedsNobodysLeave) {
 }
 
 TEST_F(AttributeFiles, CanBeTakenAwayAndBroughtBack) {
-  files.add("/a");
-  files.remove("/a");
-  files.remove("/a");
-  EXPECT_FALSE(std::filesystem::exists("/tmp/root/a"));
-  files.add("/a");
-  run("printf 1 >a", 1);
-  EXPECT_THAT(written, ElementsAre(Pair("/a", "1")));
+  files.add("/led/a");
+  files.add("/led/b");
+  files.remove("/led/a");
+  files.remove("/led/a");
+  EXPECT_FALSE(std::filesystem::exists("/tmp/root/led/a"));
+  EXPECT_TRUE(std::filesystem::exists("/tmp/root/led/b"));
+  files.add("/led/a");
+  run("printf 1 >led/a", 1);
+  EXPECT_THAT(written, ElementsAre(Pair("/led/a", "1")));
+}
+
+TEST_F(AttributeFiles, NobodyCanMakeAFileWhereTheLastOneWas) {
+  files.add("/led/a");
+  files.remove("/led/a");
+  EXPECT_FALSE(std::ofstream("/tmp/root/led/a").is_open());
 }

@@ -10,7 +10,7 @@
 #include <fstream>
 
 #include "sim/descriptor.h"
-#include "sim/test/turning_loop.h"
+#include "sim/test/text_of_file.h"
 
 using testing::HasSubstr;
 

@@ -16,7 +16,9 @@
 #include <vector>
 
 #include "sim/descriptor.h"
-#include "sim/test/turning_loop.h"
+#include "sim/test/text_of_file.h"
+#include "test_support/loop_until.h"
+#include "zyl/event_loop.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -34,7 +36,7 @@ class KeyDevice : public testing::Test {
   }
 
   bool property_becomes(const char* path, const char* value) {
-    return loop.turn_until([&] { return tree.value(path) == value; });
+    return test_support::loop_until(loop.base(), [&] { return tree.value(path) == value; });
   }
 
   /// The bytes of one read; nothing when it fails, with errno.
@@ -60,7 +62,7 @@ class KeyDevice : public testing::Test {
     return poll(&waiting, 1, 0) == 1;
   }
 
-  sim::turning_loop_t loop;
+  zyl::event_loop_t loop;
   sim::property_tree_t tree;
   sim::story_t story{"/tmp/story"};
   sim::testbed_t testbed;

@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "sim/remote/child_process.h"
-#include "sim/test/turning_loop.h"
+#include "sim/test/text_of_file.h"
+#include "test_support/loop_until.h"
+#include "zyl/event_loop.h"
 
 using testing::HasSubstr;
 using testing::Not;
@@ -34,18 +36,18 @@ class LedPanel : public testing::Test {
       command.insert(command.end(), {path, text});
     }
     sim::child_process_t shell(command, {testbed.environment(), ""});
-    EXPECT_TRUE(loop.turn_until([&] {
+    EXPECT_TRUE(test_support::loop_until(loop.base(), [&] {
       return !shell.running() && tree.value("/sim/led/written" + texts.back().first) == texts.back().second;
     }));
   }
 
   bool looks(const std::string& text) {
-    return loop.turn_until([&] { return tree.value("/sim/led/looks") == text; });
+    return test_support::loop_until(loop.base(), [&] { return tree.value("/sim/led/looks") == text; });
   }
 
   std::string value(const char* name) const { return tree.value(std::string("/sim/led/") + name); }
 
-  sim::turning_loop_t loop;
+  zyl::event_loop_t loop;
   sim::property_tree_t tree;
   sim::story_t story{"/tmp/story"};
   sim::testbed_t testbed;
@@ -118,8 +120,10 @@ TEST_F(LedPanel, ThePlainLampIsWhite) {
 TEST_F(LedPanel, TheDriverCanBeMissingAndCome) {
   use(137);
   const std::string file = "/sys/class/leds/id_led/brightness";
+  write({{file, "128"}});
   tree.set("/sim/led/driver", "absent");
   EXPECT_FALSE(std::ifstream(file).is_open());
+  EXPECT_EQ(value("looks"), "off");
   tree.set("/sim/led/driver", "present");
   EXPECT_TRUE(std::ifstream(file).is_open());
   write({{file, "255"}});

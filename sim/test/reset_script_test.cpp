@@ -12,7 +12,9 @@
 
 #include "sim/remote/child_process.h"
 #include "sim/reset_script_paths.h"
-#include "sim/test/turning_loop.h"
+#include "sim/test/text_of_file.h"
+#include "test_support/loop_until.h"
+#include "zyl/event_loop.h"
 
 using testing::HasSubstr;
 
@@ -25,7 +27,7 @@ class ResetScript : public testing::Test {
   /// The status of one that is started now.
   int run(const std::vector<std::string>& arguments = {}) {
     child_t child(command(arguments));
-    EXPECT_TRUE(loop.turn_until([&] { return !child.running(); }));
+    EXPECT_TRUE(test_support::loop_until(loop.base(), [&] { return !child.running(); }));
     EXPECT_TRUE(property_becomes("running", "0"));
     return child.wait({}).value_or(-1);
   }
@@ -37,10 +39,10 @@ class ResetScript : public testing::Test {
   }
 
   bool property_becomes(const std::string& name, const std::string& value) {
-    return loop.turn_until([&] { return tree.value("/sim/reset/" + name) == value; });
+    return test_support::loop_until(loop.base(), [&] { return tree.value("/sim/reset/" + name) == value; });
   }
 
-  sim::turning_loop_t loop;
+  zyl::event_loop_t loop;
   sim::property_tree_t tree;
   sim::story_t story{"/tmp/story"};
   sim::reset_script_t script{loop.base(), tree, story};
@@ -91,7 +93,7 @@ TEST_F(ResetScript, TwoMayRunAtOnce) {
   child_t second(command({}));
   EXPECT_TRUE(property_becomes("starts", "2"));
   first.send_signal(SIGKILL);
-  EXPECT_TRUE(loop.turn_until([&] { return !first.running(); }));
+  EXPECT_TRUE(test_support::loop_until(loop.base(), [&] { return !first.running(); }));
   EXPECT_EQ(tree.value("/sim/reset/running"), "1");
   tree.set("/sim/reset/end", "dies");
   EXPECT_TRUE(property_becomes("running", "0"));

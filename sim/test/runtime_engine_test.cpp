@@ -8,7 +8,9 @@
 #include <optional>
 #include <string>
 
-#include "sim/test/turning_loop.h"
+#include "sim/test/text_of_file.h"
+#include "test_support/loop_until.h"
+#include "zyl/event_loop.h"
 
 using testing::HasSubstr;
 
@@ -31,7 +33,7 @@ class RuntimeEngine : public testing::Test {
   void run(const char* wanted) { tree.set("/sim/runtime_engine/process", wanted); }
   std::string runs() const { return tree.value("/sim/runtime_engine/process"); }
 
-  sim::turning_loop_t loop;
+  zyl::event_loop_t loop;
   sim::property_tree_t tree;
   sim::story_t story{"/tmp/story"};
   sim::testbed_t testbed;
@@ -88,7 +90,7 @@ TEST_F(RuntimeEngine, OneThatIsKilledIsToldAsEnded) {
   const auto ids = processes_named("runtime_engine", "/proc");
   ASSERT_EQ(ids.size(), 1U);
   kill(ids[0], SIGKILL);
-  EXPECT_TRUE(loop.turn_until([this] { return runs() == "0"; }));
+  EXPECT_TRUE(test_support::loop_until(loop.base(), [this] { return runs() == "0"; }));
   run("1");
   EXPECT_EQ(runs(), "1");
 }
