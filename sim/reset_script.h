@@ -38,7 +38,7 @@ class reset_script_t {
  private:
   /// One that was started: it says its arguments, hears its end, and hangs up when it is gone, however it went.
   struct run_t {
-    reset_script_t* owner;
+    reset_script_t* owner = nullptr;
     descriptor_t socket;
     bool has_started = false;
     zyl::event_ptr_t readable;
