@@ -69,8 +69,10 @@ void DaemonScenario::TearDown() {
   expect_no_sanitizer_reports();
 }
 
-void DaemonScenario::launch_daemon(const std::map<std::string, std::string>& environment) {
+void DaemonScenario::launch_daemon(const std::map<std::string, std::string>& environment,
+                                   const std::vector<std::string>& arguments) {
   sim::daemon_process_t::options_t options;
+  options.arguments = arguments;
   options.environment = environment;
   if (std::filesystem::exists(leak_check_library())) {
     options.environment["LD_PRELOAD"] = leak_check_library();
@@ -88,6 +90,16 @@ int DaemonScenario::crash_daemon(int signal) {
   const std::optional<int> status = daemon().wait(end_limit);
   running_daemon.reset();
   return status.value_or(-1);
+}
+
+void DaemonScenario::expect_property(const std::string& path, const std::string& value) {
+  const auto came = remote().expect_property(path, value);
+  EXPECT_TRUE(came) << came.seen;
+}
+
+void DaemonScenario::expect_told(const std::string& text) {
+  const auto told = remote().expect_log(text);
+  EXPECT_TRUE(told) << told.seen;
 }
 
 void DaemonScenario::expect_splash_ready() {

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "sim/remote/appliance_process.h"
 #include "sim/remote/edids.h"
@@ -26,13 +27,19 @@ class DaemonScenario : public testing::Test {
   virtual sim::appliance_process_t::options_t appliance_options() const { return {}; }
 
   /// Starts the daemon and goes on at once.
-  void launch_daemon(const std::map<std::string, std::string>& environment = {});
+  void launch_daemon(const std::map<std::string, std::string>& environment = {},
+                     const std::vector<std::string>& arguments = {});
 
   /// Starts the daemon and waits until the engine, the driver and the splash provider have heard from it.
   void start_daemon();
 
   /// Sends the daemon a fatal signal and returns its exit status, as a shell tells it. There is none from then on.
   int crash_daemon(int signal);
+
+  void expect_property(const std::string& path, const std::string& value);
+
+  /// Waits until a line with `text` is in the system's log.
+  void expect_told(const std::string& text);
 
   /// Waits until the splash decoder of each output is configured.
   void expect_splash_ready();

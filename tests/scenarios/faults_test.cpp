@@ -12,11 +12,6 @@ namespace {
 
 class Faults : public DaemonScenario {
  protected:
-  void expect_told(const std::string& text) {
-    const auto told = remote().expect_log(text);
-    EXPECT_TRUE(told) << told.seen;
-  }
-
   void expect_a_good_display_to_work() {
     remote().unplug(0);
     expect_disconnected(0);
