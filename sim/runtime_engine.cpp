@@ -1,7 +1,10 @@
 #include "sim/runtime_engine.h"
 
+#include <chrono>
 #include <exception>
 #include <filesystem>
+#include <fstream>
+#include <thread>
 #include <vector>
 
 namespace sim {
@@ -18,6 +21,23 @@ std::string program_of(const std::string& name) {
   std::filesystem::remove(program);
   std::filesystem::create_symlink("/usr/bin/sleep", program);
   return program;
+}
+
+std::string name_of(pid_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/comm");
+  std::string name;
+  std::getline(file, name);
+  return name;
+}
+
+/// The kernel lets the parent of a new program go on a moment before it gives the process its name. A name that cannot
+/// be read back, as one with a line break, is not waited for longer than that takes.
+void wait_for_name(const child_process_t& process, const std::string& name) {
+  constexpr std::size_t longest_name = 15;
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+  while (name_of(process.pid()) != name.substr(0, longest_name) && std::chrono::steady_clock::now() < limit) {
+    std::this_thread::yield();
+  }
 }
 
 }  // namespace
@@ -47,6 +67,7 @@ void runtime_engine_t::start() {
     story.tell("appliance", error.what());
     return;
   }
+  wait_for_name(*process, name);
   if (const std::string proc = testbed.root() + "/proc"; std::filesystem::exists(proc)) {
     const std::string id = std::to_string(process->pid());
     proc_link = proc + "/" + id;
