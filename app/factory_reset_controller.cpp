@@ -17,6 +17,9 @@ constexpr int hold_ms = 5000;
 
 FactoryResetController::FactoryResetController(QObject* parent) : QObject(parent) { connectProcess(); }
 
+// The process ends a running script only after this, when there is nobody left to tell of it.
+FactoryResetController::~FactoryResetController() { process.disconnect(this); }
+
 void FactoryResetController::connectProcess() {
   connect(&process, &QProcess::started, this, [this] {
     qCDebug(controlLog) << "Factory reset process started";

@@ -10,12 +10,17 @@ namespace vgn_control {
 /// an event loop.
 ///
 /// Whoever starts, cancels and starts again while the script runs is served: only the hold is cancelled, never the
-/// script, and a script that still runs at the end of another hold is not started twice.
+/// script, and a script that still runs at the end of another hold is not started twice, of which Qt warns.
+///
+/// The script's standard input is a pipe that stays open and empty; what it writes is collected and read by nobody.
 class FactoryResetController : public QObject {
   Q_OBJECT
 
  public:
   explicit FactoryResetController(QObject* parent = nullptr);
+
+  /// Kills a script that still runs, waits up to 30 seconds for its end, and tells nobody.
+  ~FactoryResetController() override;
 
  Q_SIGNALS:
   /// A hold begins, or begins anew.
@@ -24,7 +29,8 @@ class FactoryResetController : public QObject {
   void resetStarted();
   /// The script has ended: its exit status, or the number of the signal that killed it.
   void resetCompleted(int exitCode);
-  /// The script could not be started, or was killed; `resetCompleted` follows in the latter case.
+  /// The script could not be started, was killed, or could not be read from or written to. `resetCompleted` follows
+  /// unless it never ran.
   void resetFailed(QProcess::ProcessError error);
   /// The hold is over. Also told when there was none, so after the script has started.
   void resetCancelled();

@@ -11,10 +11,9 @@ FdContainer::FdContainer(int owned_fd, Closer how_to_close) : closer(std::move(h
 FdContainer::~FdContainer() { reset(); }
 
 void FdContainer::reset() {
-  // Forgotten even if the closer throws, so that nothing is closed twice.
-  const int descriptor = std::exchange(fd, -1);
-  if (descriptor >= 0) {
-    closer(descriptor);
+  if (fd >= 0) {
+    closer(fd);
+    fd = -1;
   }
 }
 

@@ -13,7 +13,7 @@ class FdContainer {
   /// Owns `owned_fd` and gives it to `how_to_close` in the end. One thread at a time.
   explicit FdContainer(int owned_fd = -1, Closer how_to_close = closeDescriptor);
 
-  /// As `reset`; ends the program if that throws.
+  /// As `reset`; ends the program if the closer throws.
   ~FdContainer();
 
   FdContainer(const FdContainer&) = delete;
@@ -25,7 +25,8 @@ class FdContainer {
   int get() const { return fd; }
   explicit operator bool() const { return fd >= 0; }
 
-  /// Closes the descriptor, if there is one, and forgets it. Throws `std::bad_function_call` with an empty closer.
+  /// Gives the descriptor, if there is one, to the closer, then forgets it. What the closer throws comes out of here,
+  /// `std::bad_function_call` if it is empty; the descriptor is still owned then.
   void reset();
 
  private:

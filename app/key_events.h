@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMap>
+#include <Qt>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -24,13 +25,14 @@ struct KeyEvent {
   bool operator==(const KeyEvent&) const = default;
 };
 
-/// The keys of the front panel: by evdev code, what Qt calls them.
+/// The keys of the front panel: by evdev code, what Qt calls them. Any thread.
 const QMap<uint16_t, Qt::Key>& keyTable();
 
-/// What Qt calls the key with this evdev code; none if the front panel has no such key.
+/// What Qt calls the key with this evdev code; none if the front panel has no such key. Any thread.
 std::optional<Qt::Key> keyOf(uint16_t code);
 
-/// The bytes of an evdev device, put together to whole events from reads that may be cut anywhere.
+/// The bytes of an evdev device, put together to whole events from reads that may be cut anywhere. One thread at a
+/// time.
 ///
 /// On the wire an event is a `struct input_event`: seconds and microseconds (8 bytes each), type (2), code (2), value
 /// (4), all in the byte order of the machine.

@@ -12,13 +12,14 @@ namespace vgn_control {
 
 /// The keys of the front panel, read from an evdev device. Main thread, with an event loop.
 ///
-/// A device that cannot be opened, or that goes, leaves the keys dead and the daemon alive.
+/// A device that cannot be opened, or that goes, leaves the keys dead and the daemon alive. One that has come to its
+/// end is kept: it is warned of whenever the loop finds it readable, and read again if it has more.
 class KeysHandler : public QObject {
   Q_OBJECT
 
  public:
-  /// Opens the device at `input_path`, shares it with its other readers and sets how its keys repeat: after 400 ms,
-  /// every 80 ms.
+  /// Opens the device at `input_path`, which the system is given in the local 8-bit encoding. Does not keep the device
+  /// to itself, so others may read it too, and sets how its keys repeat: after 400 ms, every 80 ms.
   explicit KeysHandler(QString input_path, QObject* parent = nullptr);
   ~KeysHandler() override;
 

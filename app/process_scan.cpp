@@ -17,7 +17,7 @@ struct close_directory_t {
   void operator()(DIR* directory) const { closedir(directory); }
 };
 
-// The text of a process's comm; none when the process is gone.
+// The name of a process as it is compared; none if it cannot be read, because the process has gone for one.
 std::optional<QString> commOf(const QString& id) {
   QFile file(QStringLiteral("/proc/%1/comm").arg(id));
   if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {

@@ -7,8 +7,8 @@
 
 namespace vgn_control {
 
-RuntimeEngineMonitor::RuntimeEngineMonitor(QString process, uint64_t period_ms)
-    : process_name(std::move(process)), poll_period_ms(period_ms) {}
+RuntimeEngineMonitor::RuntimeEngineMonitor(QString wanted_process, uint64_t period_ms)
+    : process_name(std::move(wanted_process)), poll_period_ms(period_ms) {}
 
 void RuntimeEngineMonitor::check() {
   const bool found = !processesNamed(process_name.toLocal8Bit()).isEmpty();

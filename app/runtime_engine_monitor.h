@@ -13,17 +13,20 @@ class RuntimeEngineMonitor : public QObject {
   Q_OBJECT
 
  public:
-  /// `process_name`: the `comm` to look for, 15 characters at most. `poll_period_ms`: pause between two looks.
-  RuntimeEngineMonitor(QString process_name, uint64_t poll_period_ms);
+  /// `wanted_process`: the `comm` to look for, 15 characters at most. `period_ms`: pause behind each look.
+  RuntimeEngineMonitor(QString wanted_process, uint64_t period_ms);
 
   /// Whether the process was there at the last look. Any thread.
   bool isRunning() const { return running; }
 
-  /// Looks once, and tells when the process has come or gone since the last look.
+  /// Looks once, and tells when the process has come or gone since the last look. One thread at a time: that of `start`
+  /// while that runs.
   void check();
 
  Q_SIGNALS:
+  /// The process has come or gone; `isRunning` says the same already. Emitted on the thread that looks.
   void statusChanged(bool status);
+  /// `start` is about to return. Emitted on its thread.
   void finished();
 
  public Q_SLOTS:

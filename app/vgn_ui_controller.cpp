@@ -1,7 +1,5 @@
 #include "app/vgn_ui_controller.h"
 
-#include "app/logging.h"
-
 namespace vgn_control {
 namespace {
 
@@ -14,7 +12,7 @@ void VgnUiController::designStatusChanged(const QByteArray& value) {
   if (value == "OK") {
     state = State::design_up;
   } else if (state == State::unknown) {
-    // Said again at each status: the user interface may have come up since.
+    // Asserted at each status, not only at the first.
     showOnAll("boot_splash_screen");
   } else if (state == State::design_up) {
     showOnAll("disconnected");
@@ -24,7 +22,6 @@ void VgnUiController::designStatusChanged(const QByteArray& value) {
 
 void VgnUiController::showOnAll(const QByteArray& screen) {
   for (const QByteArray& path : {hdmi1_screen_path, hdmi2_screen_path}) {
-    qCDebug(uiLog) << path << "shows" << screen;
     Q_EMIT setProperty(path, screen);
   }
 }

@@ -21,7 +21,7 @@ using vgn_control::KeysHandler;
 
 constexpr std::size_t event_size = 24;
 constexpr std::size_t batch_size = 768;
-/// As many as the pipe holds, which takes a page for each.
+/// Fewer than the pipe holds, which takes a page for each: there is room for zeros at the end.
 constexpr std::size_t most_chunks = 200;
 
 int unknown_keys = 0;

@@ -7,25 +7,30 @@
 #include <unistd.h>
 
 #include <QAbstractEventDispatcher>
-#include <QCoreApplication>
 #include <QMetaMethod>
-#include <QTimerEvent>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "test_support/journal.h"
 #include "test_support/qt_log_capture.h"
 #include "test_support/qt_loop_until.h"
+#include "test_support/qt_timers.h"
 
 namespace {
 
+using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
 using testing::SizeIs;
+using testing::StartsWith;
 using vgn_control::FactoryResetController;
 
 const std::filesystem::path script_path = "/usr/zyl/www/cgi-bin/factory_reset_script";
@@ -40,15 +45,20 @@ std::string contentOf(const std::filesystem::path& path) {
 class FactoryResetControllerTest : public testing::Test {
  protected:
   FactoryResetControllerTest() {
-    using controller_t = FactoryResetController;
     std::filesystem::create_directories(script_path.parent_path());
-    auto* const to = &controller;
-    QObject::connect(to, &controller_t::resetInitiated, to, [this] { note("initiated"); });
-    QObject::connect(to, &controller_t::resetStarted, to, [this] { note("started"); });
-    QObject::connect(to, &controller_t::resetCompleted, to, [this](int code) { note("completed", code); });
-    QObject::connect(to, &controller_t::resetFailed, to,
+    hear(controller);
+  }
+
+  /// Notes what a controller tells, until the end of the test.
+  void hear(FactoryResetController& told_by) {
+    using controller_t = FactoryResetController;
+    auto* const from = &told_by;
+    QObject::connect(from, &controller_t::resetInitiated, &listener, [this] { note("initiated"); });
+    QObject::connect(from, &controller_t::resetStarted, &listener, [this] { note("started"); });
+    QObject::connect(from, &controller_t::resetCompleted, &listener, [this](int code) { note("completed", code); });
+    QObject::connect(from, &controller_t::resetFailed, &listener,
                      [this](QProcess::ProcessError error) { note("failed", static_cast<int>(error)); });
-    QObject::connect(to, &controller_t::resetCancelled, to, [this] { note("cancelled"); });
+    QObject::connect(from, &controller_t::resetCancelled, &listener, [this] { note("cancelled"); });
   }
 
   /// Every run leaves a line of its arguments, then does what `commands` say.
@@ -70,9 +80,8 @@ class FactoryResetControllerTest : public testing::Test {
 
   /// Lets the five seconds of the present hold be over.
   void holdElapses() {
-    ASSERT_THAT(timers(), SizeIs(1));
-    QTimerEvent elapsed(timers().front().timerId);
-    QCoreApplication::sendEvent(&controller, &elapsed);
+    ASSERT_THAT(test_support::timer_intervals_of(controller), ElementsAre(5000));
+    test_support::expire_timers_of(controller);
   }
 
   template <typename... Pieces>
@@ -90,6 +99,7 @@ class FactoryResetControllerTest : public testing::Test {
   test_support::journal_t journal;
   int noted = 0;
   test_support::qt_log_capture_t log;
+  QObject listener;
   FactoryResetController controller;
 };
 
@@ -228,6 +238,47 @@ TEST_F(FactoryResetControllerTest, AHoldWhileTheScriptRunsEndsWithoutASecondOne)
   endScript(0);
   EXPECT_THAT(happened(4), ElementsAre("initiated", "completed 0"));
   EXPECT_EQ(contentOf(arguments_path), "1:--level=1\n");
+}
+
+/// What this process has open, as the kernel names it.
+std::vector<std::string> openedByTheTest() {
+  std::vector<std::string> opened;
+  for (const auto& descriptor : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;
+    opened.push_back(std::filesystem::read_symlink(descriptor, gone));
+  }
+  return opened;
+}
+
+TEST_F(FactoryResetControllerTest, TheScriptReadsFromAPipeThatStaysOpen) {
+  ASSERT_EQ(::mkfifo(end_path, 0600), 0);
+  installScript(std::string("readlink /proc/$$/fd/0 >/tmp/reset_input\nread status <") + end_path);
+  controller.start();
+  holdElapses();
+  EXPECT_THAT(happened(2), ElementsAre("initiated", "started"));
+  std::ofstream end(end_path);
+  std::string input = contentOf("/tmp/reset_input");
+  ASSERT_THAT(input, AllOf(StartsWith("pipe:"), EndsWith("\n")));
+  input.pop_back();
+  EXPECT_THAT(openedByTheTest(), Contains(input));
+  end << "0\n" << std::flush;
+  EXPECT_THAT(happened(3), ElementsAre("completed 0"));
+}
+
+TEST_F(FactoryResetControllerTest, AControllerThatIsDestroyedEndsTheScriptAndTellsNothing) {
+  installLongScript();
+  auto other = std::make_unique<FactoryResetController>();
+  hear(*other);
+  other->start();
+  test_support::expire_timers_of(*other);
+  EXPECT_THAT(happened(2), ElementsAre("initiated", "started"));
+  const int end = ::open(end_path, O_WRONLY | O_CLOEXEC);  // once the script reads from there
+  other.reset();
+  EXPECT_THAT(journal.take(), IsEmpty());
+  EXPECT_THAT(log.lines(QtCriticalMsg), IsEmpty());
+  EXPECT_EQ(::open(end_path, O_WRONLY | O_NONBLOCK | O_CLOEXEC), -1);
+  EXPECT_EQ(errno, ENXIO);  // nobody reads any more
+  ::close(end);
 }
 
 TEST_F(FactoryResetControllerTest, ItsSignalsComeBeforeItsSlotsInTheirOrder) {

@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <functional>
+#include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -65,15 +67,40 @@ TEST(FdContainer, ClosesByTheSystemCallUnlessToldOtherwise) {
 
 TEST(FdContainer, HoldsNothingUnlessToldOtherwise) { EXPECT_EQ(FdContainer().get(), -1); }
 
-TEST(FdContainer, AnEmptyCloserIsABadCallAtAReset) {
-  FdContainer container(7, nullptr);
-  EXPECT_THROW(container.reset(), std::bad_function_call);
-  EXPECT_EQ(container.get(), -1);
+TEST_F(FdContainerTest, ADescriptorWhoseCloserThrowsIsStillOwned) {
+  bool refuses = true;
+  {
+    FdContainer container(7, [this, &refuses](int fd) {
+      if (std::exchange(refuses, false)) {
+        throw std::runtime_error("not now");
+      }
+      closed.push_back(fd);
+    });
+    EXPECT_THROW(container.reset(), std::runtime_error);
+    EXPECT_EQ(container.get(), 7);
+    EXPECT_THAT(closed, IsEmpty());
+  }
+  EXPECT_THAT(closed, ElementsAre(7));
 }
 
 TEST(FdContainer, AnEmptyCloserIsNotCalledWithoutADescriptor) {
   FdContainer container(-1, nullptr);
   EXPECT_NO_THROW(container.reset());
+}
+
+/// Ends the program with the descriptor that is left, because the destructor would find the empty closer again.
+[[noreturn]] void resetWithAnEmptyCloser() {
+  FdContainer container(7, nullptr);
+  try {
+    container.reset();
+  } catch (const std::bad_function_call&) {
+    ::_exit(container.get());
+  }
+  ::_exit(0);
+}
+
+TEST(FdContainerDeathTest, AnEmptyCloserIsABadCallAtAReset) {
+  EXPECT_EXIT(resetWithAnEmptyCloser(), testing::ExitedWithCode(7), "");
 }
 
 TEST(FdContainerDeathTest, AnEmptyCloserEndsTheProgramWhenADescriptorIsLeft) {

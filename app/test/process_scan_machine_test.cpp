@@ -55,6 +55,13 @@ TEST_F(ProcessScanMachine, PassesOverProcessesWithoutANameToRead) {
   EXPECT_THAT(processesNamed(""), IsEmpty());
 }
 
+TEST_F(ProcessScanMachine, AnEmptyNameIsFoundByAnEmptyNameAlone) {
+  addProcess(first_id, "");
+  addProcess(second_id, "\n");
+  EXPECT_THAT(processesNamed("runtime_engine"), IsEmpty());
+  EXPECT_THAT(processesNamed(""), UnorderedElementsAre(first_id, second_id));
+}
+
 TEST_F(ProcessScanMachine, LineBreaksInsideTheNameDoNotCount) {
   addProcess(first_id, "runtime\n_engine\n\n");
   EXPECT_THAT(processesNamed("runtime_engine"), UnorderedElementsAre(first_id));

@@ -23,6 +23,8 @@ using testing::UnorderedElementsAre;
 using vgn_control::isProcessEntry;
 using vgn_control::processesNamed;
 
+const std::string engine_name = test_support::name_for_processes();
+
 TEST(ProcessScan, OnlyDigitsNameAProcess) {
   EXPECT_TRUE(isProcessEntry("1"));
   EXPECT_TRUE(isProcessEntry("0123456789"));
@@ -34,17 +36,17 @@ TEST(ProcessScan, OnlyDigitsNameAProcess) {
 TEST(ProcessScan, AnEmptyNamePasses) { EXPECT_TRUE(isProcessEntry("")); }
 
 TEST(ProcessScan, FindsEveryProcessOfTheName) {
-  const test_support::fake_process_t first("runtime_engine");
-  const test_support::fake_process_t second("runtime_engine");
-  EXPECT_THAT(processesNamed("runtime_engine"),
+  const test_support::fake_process_t first(engine_name);
+  const test_support::fake_process_t second(engine_name);
+  EXPECT_THAT(processesNamed(engine_name.c_str()),
               UnorderedElementsAre(QString::fromStdString(first.id()), QString::fromStdString(second.id())));
 }
 
-TEST(ProcessScan, FindsNothingOfANameThatNoProcessHas) { EXPECT_THAT(processesNamed("runtime_engine"), IsEmpty()); }
+TEST(ProcessScan, FindsNothingOfANameThatNoProcessHas) { EXPECT_THAT(processesNamed(engine_name.c_str()), IsEmpty()); }
 
 TEST(ProcessScan, ALongerNameWithTheSameBeginningDoesNotMatch) {
-  const test_support::fake_process_t other("runtime_engine2");
-  EXPECT_THAT(processesNamed("runtime_engine"), IsEmpty());
+  const test_support::fake_process_t other(engine_name + "2");
+  EXPECT_THAT(processesNamed(engine_name.c_str()), IsEmpty());
 }
 
 TEST(ProcessScan, BlanksAndLineBreaksAroundTheNameDoNotCount) {
@@ -90,23 +92,23 @@ class linked_program_t {
 };
 
 TEST(ProcessScan, FindsAProgramByTheNameOfItsFileForAsLongAsItRuns) {
-  linked_program_t engine("runtime_engine");
-  EXPECT_THAT(processesNamed("runtime_engine"), UnorderedElementsAre(engine.id()));
+  linked_program_t engine(engine_name);
+  EXPECT_THAT(processesNamed(engine_name.c_str()), UnorderedElementsAre(engine.id()));
   engine.end();
-  EXPECT_THAT(processesNamed("runtime_engine"), IsEmpty());
+  EXPECT_THAT(processesNamed(engine_name.c_str()), IsEmpty());
 }
 
 TEST(ProcessScan, AProcessThatHasEndedIsFoundUntilItsParentHasSeenIt) {
   const pid_t child = ::fork();
   if (child == 0) {
-    prctl(PR_SET_NAME, "runtime_engine");
+    prctl(PR_SET_NAME, engine_name.c_str());
     ::_exit(0);
   }
   siginfo_t ended{};
   ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT), 0);
-  EXPECT_THAT(processesNamed("runtime_engine"), UnorderedElementsAre(QString::number(child)));
+  EXPECT_THAT(processesNamed(engine_name.c_str()), UnorderedElementsAre(QString::number(child)));
   ::waitpid(child, nullptr, 0);
-  EXPECT_THAT(processesNamed("runtime_engine"), IsEmpty());
+  EXPECT_THAT(processesNamed(engine_name.c_str()), IsEmpty());
 }
 
 TEST(ProcessScan, AProcessIsFoundUnderItsIdAloneThoughSelfShowsItToo) {
@@ -150,7 +152,7 @@ void scanWithoutDescriptors() {
     std::fprintf(stderr, "[%s] %s\n", context.category, qPrintable(text));
   });
   const descriptor_limit_t none(0);
-  processesNamed("runtime_engine");
+  processesNamed(engine_name.c_str());
 }
 
 TEST(ProcessScanDeathTest, WithoutProcTheProgramEnds) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
 #include <QMetaMethod>
 #include <QThread>
 #include <future>
@@ -18,6 +19,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using vgn_control::RuntimeEngineMonitor;
 
+const std::string engine_name = test_support::name_for_processes();
+
 class RuntimeEngineMonitorTest : public testing::Test {
  protected:
   RuntimeEngineMonitorTest() {
@@ -25,7 +28,7 @@ class RuntimeEngineMonitorTest : public testing::Test {
                      [this](bool status) { told.push_back(status); });
   }
 
-  RuntimeEngineMonitor monitor{"runtime_engine", 1};
+  RuntimeEngineMonitor monitor{QString::fromStdString(engine_name), 1};
   std::vector<bool> told;
 };
 
@@ -36,7 +39,7 @@ TEST_F(RuntimeEngineMonitorTest, TellsNothingWhileTheEngineIsAway) {
 }
 
 TEST_F(RuntimeEngineMonitorTest, TellsAtTheFirstLookOfAnEngineThatRunsAlready) {
-  const test_support::fake_process_t engine("runtime_engine");
+  const test_support::fake_process_t engine(engine_name);
   monitor.check();
   EXPECT_THAT(told, ElementsAre(true));
   EXPECT_TRUE(monitor.isRunning());
@@ -44,7 +47,7 @@ TEST_F(RuntimeEngineMonitorTest, TellsAtTheFirstLookOfAnEngineThatRunsAlready) {
 
 TEST_F(RuntimeEngineMonitorTest, TellsOnceWhenTheEngineComesAndOnceWhenItGoes) {
   {
-    const test_support::fake_process_t engine("runtime_engine");
+    const test_support::fake_process_t engine(engine_name);
     monitor.check();
     monitor.check();
   }
@@ -55,23 +58,23 @@ TEST_F(RuntimeEngineMonitorTest, TellsOnceWhenTheEngineComesAndOnceWhenItGoes) {
 }
 
 TEST_F(RuntimeEngineMonitorTest, AnEngineThatRestartsBetweenTwoLooksIsNoChange) {
-  auto engine = std::make_unique<test_support::fake_process_t>("runtime_engine");
+  auto engine = std::make_unique<test_support::fake_process_t>(engine_name);
   monitor.check();
   engine.reset();
-  engine = std::make_unique<test_support::fake_process_t>("runtime_engine");
+  engine = std::make_unique<test_support::fake_process_t>(engine_name);
   monitor.check();
   EXPECT_THAT(told, ElementsAre(true));
 }
 
 TEST_F(RuntimeEngineMonitorTest, AnotherProcessWithALongerNameIsNotTheEngine) {
-  const test_support::fake_process_t other("runtime_engine2");
+  const test_support::fake_process_t other(engine_name + "2");
   monitor.check();
   EXPECT_THAT(told, IsEmpty());
 }
 
 TEST_F(RuntimeEngineMonitorTest, OneEngineOfTwoThatGoesIsNoChange) {
-  const test_support::fake_process_t first("runtime_engine");
-  auto second = std::make_unique<test_support::fake_process_t>("runtime_engine");
+  const test_support::fake_process_t first(engine_name);
+  auto second = std::make_unique<test_support::fake_process_t>(engine_name);
   monitor.check();
   second.reset();
   monitor.check();
@@ -79,8 +82,8 @@ TEST_F(RuntimeEngineMonitorTest, OneEngineOfTwoThatGoesIsNoChange) {
 }
 
 TEST_F(RuntimeEngineMonitorTest, ANameOfFifteenCharactersIsFoundAndNoLongerOne) {
-  const test_support::fake_process_t engine("runtime_engine2");
-  RuntimeEngineMonitor exact("runtime_engine2", 1);
+  const test_support::fake_process_t engine(engine_name + "2");
+  RuntimeEngineMonitor exact(QString::fromStdString(engine_name + "2"), 1);
   exact.check();
   EXPECT_TRUE(exact.isRunning());
   const test_support::fake_process_t cut("a_longer_runtime_engine");
@@ -90,7 +93,7 @@ TEST_F(RuntimeEngineMonitorTest, ANameOfFifteenCharactersIsFoundAndNoLongerOne) 
 }
 
 TEST_F(RuntimeEngineMonitorTest, AMonitorStoppedBeforeItsStartFinishesWithoutALook) {
-  const test_support::fake_process_t engine("runtime_engine");
+  const test_support::fake_process_t engine(engine_name);
   int finished = 0;
   QObject::connect(&monitor, &RuntimeEngineMonitor::finished, &monitor, [&] { ++finished; });
   monitor.stop();
@@ -100,10 +103,33 @@ TEST_F(RuntimeEngineMonitorTest, AMonitorStoppedBeforeItsStartFinishesWithoutALo
 }
 
 TEST_F(RuntimeEngineMonitorTest, AStopByWhoeverHearsOfTheEngineEndsTheWatch) {
-  const test_support::fake_process_t engine("runtime_engine");
+  const test_support::fake_process_t engine(engine_name);
   QObject::connect(&monitor, &RuntimeEngineMonitor::statusChanged, &monitor, &RuntimeEngineMonitor::stop);
   monitor.start();
   EXPECT_THAT(told, ElementsAre(true));
+}
+
+TEST_F(RuntimeEngineMonitorTest, PausesBehindEachLook) {
+  const test_support::fake_process_t engine(engine_name);
+  RuntimeEngineMonitor patient(QString::fromStdString(engine_name), 100);
+  QObject::connect(&patient, &RuntimeEngineMonitor::statusChanged, &patient, &RuntimeEngineMonitor::stop);
+  QElapsedTimer timer;
+  timer.start();
+  patient.start();
+  EXPECT_GE(timer.elapsed(), 100);
+}
+
+TEST_F(RuntimeEngineMonitorTest, SaysWhatItTellsOfAlready) {
+  std::vector<bool> said;
+  QObject::connect(&monitor, &RuntimeEngineMonitor::statusChanged, &monitor,
+                   [&] { said.push_back(monitor.isRunning()); });
+  {
+    const test_support::fake_process_t engine(engine_name);
+    monitor.check();
+  }
+  monitor.check();
+  EXPECT_THAT(said, ElementsAre(true, false));
+  EXPECT_EQ(said, told);
 }
 
 TEST_F(RuntimeEngineMonitorTest, HasNoParentSoThatItCanMoveToAThread) { EXPECT_EQ(monitor.parent(), nullptr); }
@@ -118,8 +144,8 @@ TEST_F(RuntimeEngineMonitorTest, ItsSignalsComeBeforeItsSlotsInTheirOrder) {
 }
 
 TEST(RuntimeEngineMonitorThread, LooksOnItsThreadUntilItIsStoppedDirectly) {
-  const test_support::fake_process_t engine("runtime_engine");
-  RuntimeEngineMonitor monitor("runtime_engine", 1);
+  const test_support::fake_process_t engine(engine_name);
+  RuntimeEngineMonitor monitor(QString::fromStdString(engine_name), 1);
   QThread thread;
   monitor.moveToThread(&thread);
   std::promise<bool> told;
