@@ -20,7 +20,8 @@ class qt_log_capture_t {
     std::string category;
   };
 
-  /// `on_line` is called with each line, on the thread that says it.
+  /// `on_line` is called with each line, on the thread that says it. It must neither log through Qt nor ask this
+  /// object.
   explicit qt_log_capture_t(std::function<void(const line_t&)> on_line = [](const line_t&) {})
       : listener(std::move(on_line)) {
     const std::lock_guard lock(mutex);

@@ -157,7 +157,7 @@ TEST_F(ModelLedTest, OnModel105AStopResetsTheChip) {
   control.reset();
 }
 
-TEST_F(ModelLedTest, OnModel105TheChipIsAskedOnceAStopAlsoByALaterCoordinator) {
+TEST_F(ModelLedTest, OnModel105AStopResetsTheChipAlsoOfALaterCoordinator) {
   test_support::fake_ktm5030_t chip(machine);
   test_support::set_model("part-105");
   startBlocked(keys_path);
