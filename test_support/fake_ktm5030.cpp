@@ -100,13 +100,16 @@ void fake_ktm5030_t::tell_bytes(std::span<const uint8_t> bytes) {
   EXPECT_EQ(::write(events, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
 }
 
-int fake_ktm5030_t::open_count() const {
-  int count = -1;  // the reader of its own
+std::vector<int> fake_ktm5030_t::open_descriptors() const {
+  std::vector<int> found;
   for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
     std::error_code closed;  // the one that lists the folder, for instance
-    count += std::filesystem::read_symlink(entry, closed) == terminal ? 1 : 0;
+    const int fd = std::stoi(entry.path().filename());
+    if (fd != reader && std::filesystem::read_symlink(entry, closed) == terminal) {
+      found.push_back(fd);
+    }
   }
-  return count;
+  return found;
 }
 
 std::vector<uint32_t> fake_ktm5030_t::requests() const {

@@ -48,8 +48,8 @@ class fake_ktm5030_t {
   /// Makes these bytes readable.
   void tell_bytes(std::span<const uint8_t> bytes);
 
-  /// How often this process has it open.
-  int open_count() const;
+  /// The descriptors by which this process has it open.
+  std::vector<int> open_descriptors() const;
   /// The requests of all clients so far.
   std::vector<uint32_t> requests() const;
   /// How often it was read from.

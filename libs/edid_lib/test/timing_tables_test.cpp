@@ -6,8 +6,8 @@
 #include <cmath>
 #include <set>
 
-#include "comma_locale.h"
 #include "edid_lib/tables/timing_rows.h"
+#include "test_support/comma_locale.h"
 
 using edid_lib::cta_timings;
 using edid_lib::dmt_timings;
@@ -136,7 +136,7 @@ TEST(TimingTables, RowsAtRatesThatModesNeverHaveAreNotFound) {
 }
 
 TEST(TimingTables, AreTheSameInEveryLocale) {
-  const comma_locale_t comma;
+  const test_support::comma_locale_t comma;
   const timing_table_t table(edid_lib::tables::cta_rows());
   const vid_resolution_t mode("720x480@59.94 8:9");
   ASSERT_NE(table.find(mode), nullptr);

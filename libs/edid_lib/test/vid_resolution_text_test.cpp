@@ -3,8 +3,8 @@
 #include <limits>
 #include <stdexcept>
 
-#include "comma_locale.h"
 #include "edid_lib/vid_resolution.h"
+#include "test_support/comma_locale.h"
 
 using edid_lib::vid_resolution_t;
 
@@ -100,7 +100,7 @@ TEST(VidResolutionText, BlanksSignsAndHexadecimalDigitsArePartOfARate) {
 }
 
 TEST(VidResolutionText, NumbersHaveADecimalPointInEveryLocale) {
-  const comma_locale_t comma;
+  const test_support::comma_locale_t comma;
   const vid_resolution_t mode("640x480@59.94 1.5:2.5");
   expect_size(mode, 640, 480, 59.94F);
   expect_aspect(mode, 1.5F, 2.5F);

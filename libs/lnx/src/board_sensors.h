@@ -3,7 +3,8 @@
 namespace lnx {
 
 // Temperatures and voltages that one file tells, as a number to be scaled. Each call reads its file anew; false, and
-// the output as it was, without a line in it. A line that is no number reads 0. Any thread.
+// the output as it was, without a line in it. A line that is no number reads 0. What is
+// infinite or no number by its own word ("1e39", "inf", "nan") is handed out as such, with true. Any thread.
 
 /// In degrees Celsius, of "/sys/class/hwmon/hwmon0/temp4_input", which has thousandths.
 bool read_board_temperature_a(float& out_degrees);

@@ -5,6 +5,8 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 namespace lnx {
 namespace {
 
@@ -70,9 +72,20 @@ uint32_t take_event(int fd, uint32_t code, ktm5030_status_t& status) {
   }
 }
 
-uint32_t read_event(int fd, ktm5030_status_t& status) {
+/// Whether reads of a node on which the last one gave `result` may still come to give events.
+bool may_give_events(ssize_t result) {
+  return result > 0 || (result < 0 && (errno == EINTR || errno == EAGAIN || errno == EIO));
+}
+
+/// False if there is no sense in another read.
+bool read_event(int fd, ktm5030_status_t& status, uint32_t& changes) {
   uint32_t code = 0;
-  return ::read(fd, &code, sizeof code) == ssize_t{sizeof code} ? take_event(fd, code, status) : 0;
+  const ssize_t size = ::read(fd, &code, sizeof code);
+  if (size == ssize_t{sizeof code}) {
+    changes |= take_event(fd, code, status);
+    return true;
+  }
+  return may_give_events(size);
 }
 
 }  // namespace
@@ -97,12 +110,16 @@ bool ktm5030_read_info(ktm5030_status_t& status) { return read_info(open_device(
 
 uint32_t ktm5030_poll_events(ktm5030_status_t& status) {
   const open_device_t device;
+  return ktm5030_take_events(device.fd(), status);
+}
+
+uint32_t ktm5030_take_events(int fd, ktm5030_status_t& status) {
   uint32_t changes = 0;
-  // Without a device this is -1, for which poll finds nothing.
-  pollfd waiting{device.fd(), POLLIN, 0};
+  // For -1, which stands for a device that could not be opened, poll finds nothing.
+  pollfd waiting{fd, POLLIN, 0};
   while (::poll(&waiting, 1, 0) > 0) {
-    if ((waiting.revents & POLLIN) != 0) {
-      changes |= read_event(device.fd(), status);
+    if ((waiting.revents & POLLIN) != 0 && !read_event(fd, status, changes)) {
+      break;
     }
     if ((waiting.revents & (POLLERR | POLLHUP)) != 0) {
       break;

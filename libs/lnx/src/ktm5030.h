@@ -13,7 +13,8 @@ namespace lnx {
 // A read(2) gives one 32-bit event code: 0 and 1, 3 and 4, 5 and 6 tell that `signal`, `flag_a` and `flag_b` of the
 // status have become 1 and 0; 2 tells that there is new info.
 //
-// Every function opens the device, fails if there is none, and takes no lock: any thread may call it.
+// Every function but the last opens the device, and fails if there is none. They take no lock: any thread may call
+// them.
 
 inline constexpr uint32_t ktm5030_read_mode_request = 0xC0014B01;
 inline constexpr uint32_t ktm5030_write_mode_request = 0x40014B02;
@@ -53,14 +54,20 @@ bool ktm5030_set_mode(uint32_t mode);
 /// Fills `status.info`. False if it fails, and `status` is as it was.
 ///
 /// Leaves its descriptor open, whatever comes of the request: every call on a device that is there uses one up for the
-/// life of the process. That is how it has always been and is kept; it is no function to call again and again.
+/// life of the process. This is on purpose; it is no function to call again and again.
 bool ktm5030_read_info(ktm5030_status_t& status);
 
 /// Takes all events that wait into `status`, without waiting for any. Gives the sum of the `ktm5030_change_e` that
 /// came, 0 if the device cannot be opened. Where the info cannot be read its first and third words become 0; it counts
 /// as a change all the same.
 ///
-/// An event that one caller has taken is not seen by another.
+/// An event that one caller has taken is not seen by another. A failed read, half an event and an unknown code change
+/// nothing. The call ends where nothing more waits, and also when the device hangs up or is in error, and when a read
+/// gives nothing at all or fails with anything but EINTR, EAGAIN or EIO: a node that stays readable without ever giving
+/// an event must not hold the caller.
 uint32_t ktm5030_poll_events(ktm5030_status_t& status);
+
+/// The same on a descriptor of the device, which stays open; 0 for a negative one.
+uint32_t ktm5030_take_events(int fd, ktm5030_status_t& status);
 
 }  // namespace lnx

@@ -10,9 +10,11 @@ namespace lnx {
 ///
 /// The first answer but 0 is kept by the process and no file is opened for it again; 0 is asked anew next time. While
 /// the auxiliary supply is there, the files of power over Ethernet are not opened. False, with the output as it was and
-/// nothing kept, if neither supply's status can be read, or if the PoE class is needed and is no number.
+/// nothing kept, if the auxiliary supply is not there, or cannot be asked, and the PoE status cannot be read; also if
+/// the PoE class is needed and is no number.
 ///
-/// The answer is kept without a lock: the call that finds it must not overlap with another one.
+/// Any thread, but the answer is kept without a lock: until a call has found it, no two calls of this function and of
+/// `read_poe_class` may overlap.
 bool read_power_source(uint32_t& out_power_class);
 
 /// 2 for a PoE class below 4 (802.3af), 3 for class 4 (802.3at), 4 for 5 and more (802.3bt). The text begins with a

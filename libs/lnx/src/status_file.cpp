@@ -1,5 +1,6 @@
 #include "lnx/src/status_file.h"
 
+#include <clocale>
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
@@ -7,6 +8,15 @@
 #include <utility>
 
 namespace lnx {
+namespace {
+
+/// Files have a decimal point, whatever locale the program has set.
+locale_t point_locale() {
+  static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
+  return locale;
+}
+
+}  // namespace
 
 bool read_status_text(const std::string& path, std::string& out_text) {
   std::ifstream file(path);
@@ -42,7 +52,7 @@ bool write_status_integer(const std::string& path, int32_t value) {
   return file.is_open();
 }
 
-float status_float(const std::string& text) { return std::strtof(text.c_str(), nullptr); }
+float status_float(const std::string& text) { return strtof_l(text.c_str(), nullptr, point_locale()); }
 
 int32_t truncated(float value) {
   using limits_t = std::numeric_limits<int32_t>;

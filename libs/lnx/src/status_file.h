@@ -21,8 +21,8 @@ bool read_status_integer(const std::string& path, int32_t& out_value);
 /// opened for writing; whether the driver takes the value is not asked.
 bool write_status_integer(const std::string& path, int32_t value);
 
-/// The number at the start of the text as `strtof` reads it: 0 if there is none, infinite if it is too large. The
-/// decimal point is that of the process's locale.
+/// The number at the start of the text as `strtof` reads it in the C locale, whichever the process has set: 0 if there
+/// is none, infinite if it is too large.
 float status_float(const std::string& text);
 
 /// The value without its fraction; the nearest there is if it is out of range, and 0 for what is no number. That is

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <string>
 
@@ -86,4 +87,11 @@ TEST_P(BoardSensors, ReadsZeroWhereThereIsNoNumber) {
 TEST_P(BoardSensors, ReadsAnInfiniteValueWhereTheNumberIsTooLarge) {
   write(std::string(5000, '9'));
   expect_value(std::numeric_limits<float>::infinity());
+}
+
+TEST_P(BoardSensors, HandsOutWhatIsNoNumberByItsOwnWord) {
+  write("nan\n");
+  float value = -77;
+  EXPECT_TRUE(GetParam().read(value));
+  EXPECT_TRUE(std::isnan(value));
 }

@@ -1,17 +1,22 @@
 #include "lnx/src/ktm5030.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <array>
 #include <initializer_list>
 #include <optional>
+#include <string>
+#include <utility>
 
 #include "test_support/fake_ktm5030.h"
 
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::SizeIs;
 
 class Ktm5030 : public testing::Test {
@@ -29,6 +34,37 @@ class Ktm5030 : public testing::Test {
 
 /// Words that nobody writes.
 void mark(lnx::ktm5030_status_t& status) { status = {7, {71, 72, 73}, 8, 9}; }
+
+/// The two ends of a pipe, which stand for a descriptor of the device.
+class pipe_t {
+ public:
+  pipe_t() { EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK), 0); }
+  ~pipe_t() {
+    close_reader();
+    close_writer();
+  }
+
+  pipe_t(const pipe_t&) = delete;
+  pipe_t& operator=(const pipe_t&) = delete;
+  pipe_t(pipe_t&&) = delete;
+  pipe_t& operator=(pipe_t&&) = delete;
+
+  int reader() const { return ends[0]; }
+  int writer() const { return ends[1]; }
+  void close_reader() { close_end(ends[0]); }
+  void close_writer() { close_end(ends[1]); }
+
+  void tell(uint32_t code) const { EXPECT_EQ(::write(writer(), &code, sizeof code), ssize_t{sizeof code}); }
+
+ private:
+  static void close_end(int& fd) {
+    if (fd >= 0) {
+      ::close(std::exchange(fd, -1));
+    }
+  }
+
+  std::array<int, 2> ends{-1, -1};
+};
 
 void expect_marked(const lnx::ktm5030_status_t& status) {
   EXPECT_EQ(status.signal, 7U);
@@ -118,7 +154,15 @@ TEST_F(Ktm5030, EachReadOfTheInfoUsesUpOneDescriptor) {
   EXPECT_TRUE(lnx::ktm5030_read_info(status));
   device->fail(lnx::ktm5030_read_info_request);
   EXPECT_FALSE(lnx::ktm5030_read_info(status));
-  EXPECT_EQ(device->open_count(), 3);
+  EXPECT_THAT(device->open_descriptors(), SizeIs(3));
+}
+
+TEST_F(Ktm5030, TheDeviceIsOpenedForReadingAndWritingAndNotForChildren) {
+  EXPECT_TRUE(lnx::ktm5030_read_info(status));
+  const auto open = device->open_descriptors();
+  ASSERT_THAT(open, SizeIs(1));
+  EXPECT_EQ(::fcntl(open[0], F_GETFL) & O_ACCMODE, O_RDWR);
+  EXPECT_EQ(::fcntl(open[0], F_GETFD), FD_CLOEXEC);
 }
 
 TEST_F(Ktm5030, AllOtherFunctionsCloseTheDevice) {
@@ -127,9 +171,21 @@ TEST_F(Ktm5030, AllOtherFunctionsCloseTheDevice) {
   EXPECT_TRUE(lnx::ktm5030_set_mode(1));
   tell({2});
   EXPECT_EQ(lnx::ktm5030_poll_events(status), 2U);
-  device->fail(lnx::ktm5030_write_mode_request);
+  EXPECT_EQ(lnx::ktm5030_poll_events(status), 0U);
+  EXPECT_THAT(device->open_descriptors(), IsEmpty());
+}
+
+TEST_F(Ktm5030, AllOtherFunctionsCloseTheDeviceAlsoWhenARequestFails) {
+  for (const uint32_t request :
+       {lnx::ktm5030_read_mode_request, lnx::ktm5030_write_mode_request, lnx::ktm5030_read_info_request}) {
+    device->fail(request);
+  }
+  uint32_t mode = 0;
+  EXPECT_EQ(lnx::ktm5030_get_mode(mode), 0);
   EXPECT_FALSE(lnx::ktm5030_set_mode(1));
-  EXPECT_EQ(device->open_count(), 0);
+  tell({2});
+  EXPECT_EQ(lnx::ktm5030_poll_events(status), 2U);
+  EXPECT_THAT(device->open_descriptors(), IsEmpty());
 }
 
 TEST_F(Ktm5030, WithoutEventsNothingChangesAndNothingIsAsked) {
@@ -234,4 +290,55 @@ TEST_F(Ktm5030, ADeviceThatHangsUpEndsTheDrain) {
   EXPECT_EQ(lnx::ktm5030_poll_events(status), 6U);
   EXPECT_EQ(status.info.first, 11U);
   EXPECT_EQ(device->reads(), 3);
+}
+
+TEST_F(Ktm5030, ANodeThatIsReadableForEverAndGivesNothingEndsTheDrain) {
+  device.reset();
+  machine.write("/dev/ktm5030", std::string("\0\0\0\0\3\0\0\0", 8));
+  EXPECT_EQ(lnx::ktm5030_poll_events(status), 5U);
+  EXPECT_EQ(status.signal, 1U);
+  EXPECT_EQ(status.flag_a, 1);
+  machine.write("/dev/ktm5030", "");
+  EXPECT_EQ(lnx::ktm5030_poll_events(status), 0U);
+}
+
+TEST(Ktm5030Descriptor, ReadsThatCanOnlyFailEndTheDrain) {
+  lnx::ktm5030_status_t status;
+  mark(status);
+  // A folder is always readable to poll, and EISDIR to read.
+  const int folder = ::open("/tmp", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  ASSERT_GE(folder, 0);
+  EXPECT_EQ(lnx::ktm5030_take_events(folder, status), 0U);
+  expect_marked(status);
+  ::close(folder);
+}
+
+TEST(Ktm5030Descriptor, AnErrorEndsTheDrain) {
+  lnx::ktm5030_status_t status;
+  mark(status);
+  pipe_t pipe;
+  pipe.close_reader();
+  // For ever in error from then on.
+  EXPECT_EQ(lnx::ktm5030_take_events(pipe.writer(), status), 0U);
+  expect_marked(status);
+}
+
+TEST(Ktm5030Descriptor, AHangUpEndsTheDrainBehindTheEventThatCameWithIt) {
+  lnx::ktm5030_status_t status;
+  pipe_t pipe;
+  pipe.tell(0);
+  pipe.tell(3);
+  pipe.close_writer();
+  EXPECT_EQ(lnx::ktm5030_take_events(pipe.reader(), status), 1U);
+  EXPECT_EQ(lnx::ktm5030_take_events(pipe.reader(), status), 4U);
+  EXPECT_EQ(lnx::ktm5030_take_events(pipe.reader(), status), 0U);
+}
+
+TEST(Ktm5030Descriptor, StaysOpenAndNoneHasNoEvents) {
+  lnx::ktm5030_status_t status;
+  const pipe_t pipe;
+  pipe.tell(5);
+  EXPECT_EQ(lnx::ktm5030_take_events(pipe.reader(), status), 8U);
+  EXPECT_NE(::fcntl(pipe.reader(), F_GETFD), -1);
+  EXPECT_EQ(lnx::ktm5030_take_events(-1, status), 0U);
 }

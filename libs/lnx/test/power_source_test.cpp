@@ -47,6 +47,17 @@ class PowerSource : public testing::Test {
   test_support::fake_udev_t machine;
 };
 
+struct poe_source_t {
+  const char* poe_class;
+  uint32_t source;
+};
+
+class PowerSourceByClass : public PowerSource, public testing::WithParamInterface<poe_source_t> {};
+
+INSTANTIATE_TEST_SUITE_P(, PowerSourceByClass,
+                         testing::Values(poe_source_t{"3", 2}, poe_source_t{"4", 3}, poe_source_t{"5", 4}),
+                         [](const auto& test) { return "Class" + std::string(test.param.poe_class); });
+
 }  // namespace
 
 TEST_F(PowerSource, IsOneWithTheAuxiliarySupplyAndThePoeFilesAreNotOpened) {
@@ -83,13 +94,14 @@ TEST_F(PowerSource, IsFourWithPoeClassFive) {
   expect_source(4);
 }
 
-TEST_F(PowerSource, IsKeptOnceItIsPowerOverEthernet) {
-  feed_by_poe("3\n");
-  expect_source(2);
+TEST_P(PowerSourceByClass, IsKeptOnceItIsPowerOverEthernet) {
+  feed_by_poe(GetParam().poe_class);
+  expect_source(GetParam().source);
   write("aux_status", "1\n");
   remove("poe_status");
+  remove("poe_class");
   const test_support::opened_files_t opened(machine.place(folder));
-  expect_source(2);
+  expect_source(GetParam().source);
   EXPECT_THAT(opened.take(), IsEmpty());
 }
 
@@ -124,11 +136,13 @@ TEST_F(PowerSource, CannotBeToldWithoutThePoeStatusAndIsAskedAgain) {
 
 TEST_F(PowerSource, IsZeroWhileThereIsNeitherAndIsAskedAgain) {
   write("aux_status", "0\n");
-  for (const char* poe_status : {"0\n", "2\n", "off\n", "\n", "-1\n"}) {
+  for (const std::string& poe_status :
+       {std::string("0\n"), std::string("2\n"), std::string("off\n"), std::string("\n"), std::string("-1\n"),
+        std::string("1e39\n"), std::string("nan\n"), std::string(1'000'000, '1')}) {
     write("poe_status", poe_status);
     const test_support::opened_files_t opened(machine.place(folder));
     expect_source(0);
-    EXPECT_THAT(opened.take(), ElementsAre("aux_status", "poe_status")) << poe_status;
+    EXPECT_THAT(opened.take(), ElementsAre("aux_status", "poe_status")) << poe_status.substr(0, 10);
   }
   write("aux_status", "1\n");
   expect_source(1);

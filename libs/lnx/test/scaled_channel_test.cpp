@@ -3,9 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 #include <limits>
 #include <string>
+#include <tuple>
 
 #include "test_support/fake_udev.h"
 #include "test_support/opened_files.h"
@@ -109,8 +111,25 @@ TEST_P(ScaledChannel, TakesALineThatIsNoNumberForZero) {
 }
 
 TEST_P(ScaledChannel, IsInfiniteWhereANumberIsTooLarge) {
-  write(std::string(5000, '9'), "-20000\n", "2\n");
+  const std::string large(5000, '9');
+  write(large, "-20000\n", "2\n");
   expect_value(std::numeric_limits<float>::infinity());
+  write("27000\n", "-" + large, "2\n");
+  expect_value(-std::numeric_limits<float>::infinity());
+  write("27000\n", "-20000\n", large);
+  expect_value(std::numeric_limits<float>::infinity());
+}
+
+TEST_P(ScaledChannel, IsNoNumberWhereThereIsNone) {
+  for (const auto& [raw, offset, scale] : {std::tuple("nan\n", "0\n", "1\n"),
+                                           {"0\n", "nan\n", "1\n"},
+                                           {"0\n", "0\n", "nan\n"},
+                                           {"inf\n", "-inf\n", "1\n"}}) {
+    write(raw, offset, scale);
+    float value = -77;
+    EXPECT_TRUE(GetParam().read(value));
+    EXPECT_TRUE(std::isnan(value)) << raw << offset << scale;
+  }
 }
 
 TEST(ScaledChannels, AreDifferentChannels) {

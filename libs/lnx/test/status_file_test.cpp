@@ -9,6 +9,8 @@
 #include <limits>
 #include <string>
 
+#include "test_support/comma_locale.h"
+
 namespace {
 
 const std::string path = "/tmp/status";
@@ -25,6 +27,11 @@ std::string text_of(const std::string& written) {
   write(written);
   std::string text = "as it was";
   return lnx::read_status_text(path, text) ? text : "failed, " + text;
+}
+
+/// How many descriptors this process has open.
+std::ptrdiff_t open_descriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
 }
 
 int32_t integer_of(const std::string& written) {
@@ -99,6 +106,13 @@ TEST(StatusFile, AFloatIsTheNumberAtTheStartOfTheLine) {
   }
 }
 
+TEST(StatusFile, AFloatHasADecimalPointWhateverTheLocale) {
+  const test_support::comma_locale_t comma;
+  EXPECT_EQ(lnx::status_float("7.771514892"), 7.771514892F);
+  EXPECT_EQ(lnx::status_float("7,5"), 7.0F);
+  EXPECT_EQ(integer_of("255.9"), 255);
+}
+
 TEST(StatusFile, ALineThatIsNoNumberReadsZero) {
   for (const char* written : {"\n", "on\n", "-\n", " \n", ".\n", "--1\n", "\n5\n"}) {
     write(written);
@@ -155,3 +169,15 @@ TEST(StatusFile, AWriteFailsWhereNoFileCanBeOpened) {
 }
 
 TEST(StatusFile, AWriteThatTheDriverRefusesIsNotNoticed) { EXPECT_TRUE(lnx::write_status_integer("/dev/full", 1)); }
+
+TEST(StatusFile, NothingStaysOpen) {
+  const auto before = open_descriptors();
+  EXPECT_EQ(text_of("one\n"), "one");
+  EXPECT_EQ(text_of(""), "failed, as it was");
+  EXPECT_EQ(integer_of("1\n"), 1);
+  EXPECT_TRUE(lnx::write_status_integer(path, 128));
+  EXPECT_TRUE(lnx::write_status_integer("/dev/full", 1));
+  std::string text;
+  EXPECT_FALSE(lnx::read_status_text("/tmp", text));
+  EXPECT_EQ(open_descriptors(), before);
+}

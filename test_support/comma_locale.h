@@ -7,6 +7,8 @@
 #include <fstream>
 #include <string>
 
+namespace test_support {
+
 /// Makes the C library write and read a decimal comma for as long as it lives. Brings its own locale, since a small
 /// installation has none that does.
 class comma_locale_t {
@@ -33,3 +35,5 @@ class comma_locale_t {
   comma_locale_t(const comma_locale_t&) = delete;
   comma_locale_t& operator=(const comma_locale_t&) = delete;
 };
+
+}  // namespace test_support
