@@ -1,8 +1,17 @@
 #include "sim/appliance.h"
 
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
 #include "sim/identity.h"
 
 namespace sim {
+namespace {
+
+constexpr const char* environment_file = "/run/vgn-appliance.env";
+
+}  // namespace
 
 appliance_t::appliance_t(const model_t& model, const std::string& story_file)
     : story(story_file),
@@ -20,11 +29,19 @@ appliance_t::appliance_t(const model_t& model, const std::string& story_file)
       reset_script(loop.base(), tree, story),
       runtime_engine(loop.base(), testbed, tree, story) {
   publish_identity(tree, model);
+  std::ofstream variables(environment_file);
   for (const auto& [name, value] : daemon_environment()) {
     tree.publish("/sim/environment/" + name, value);
+    variables << name << '=' << value << '\n';
   }
+  variables.close();
   story.tell("appliance", "model " + std::to_string(model.id) + " is up");
   tree.publish("/sim/ready", "1");
+}
+
+appliance_t::~appliance_t() {
+  std::error_code ignored;
+  std::filesystem::remove(environment_file, ignored);
 }
 
 }  // namespace sim

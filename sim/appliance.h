@@ -30,6 +30,12 @@ class appliance_t {
   /// Serves everything, and sets "/sim/ready" to "1". The story goes to `story_file`, "-" being standard output; the
   /// system's log to "/tmp/vgn-appliance.log". Throws `std::system_error` if something cannot be served.
   appliance_t(const model_t& model, const std::string& story_file);
+  ~appliance_t();
+
+  appliance_t(const appliance_t&) = delete;
+  appliance_t& operator=(const appliance_t&) = delete;
+  appliance_t(appliance_t&&) = delete;
+  appliance_t& operator=(appliance_t&&) = delete;
 
   /// Runs until `stop`.
   void run() { loop.run(); }
@@ -39,7 +45,8 @@ class appliance_t {
 
   event_base* base() const { return loop.base(); }
 
-  /// The variables that the daemon needs to see the appliance's devices; also below "/sim/environment/".
+  /// The variables that a program needs to see the appliance's devices; also below "/sim/environment/", and as lines
+  /// NAME=VALUE in "/run/vgn-appliance.env", where `sim/sandbox enter` finds them.
   std::map<std::string, std::string> daemon_environment() const { return testbed.environment(); }
 
  private:

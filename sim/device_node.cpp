@@ -101,6 +101,8 @@ struct device_node_t::shared_t : std::enable_shared_from_this<shared_t> {
   std::optional<int> read_without_record();
   void drop_record() ZYL_REQUIRES(mutex);
   void drain() ZYL_REQUIRES(mutex);
+  /// Makes the node readable, for a read that does not give a record.
+  void wake_reader() ZYL_REQUIRES(mutex);
 };
 
 int device_node_t::shared_t::answer_record(uint32_t request, UMockdevIoctlData* record) {
@@ -180,6 +182,11 @@ void device_node_t::shared_t::drain() {
   }
 }
 
+void device_node_t::shared_t::wake_reader() {
+  const char wake = 0;
+  static_cast<void>(::write(feeder.get(), &wake, 1));
+}
+
 /// The callbacks of the emulation library, all on the testbed's thread. What they are handed lives as long as the
 /// testbed, and for each client until it has vanished: the library keeps its thread for one that it still serves.
 struct device_node_t::callbacks_t {
@@ -249,9 +256,7 @@ device_node_t::~device_node_t() {
     const zyl::lock_t lock(shared->mutex);
     shared->gone = true;
     shared->calls = {};
-    // Wakes the reader, whose read then fails.
-    const char wake = 0;
-    static_cast<void>(::write(shared->feeder.get(), &wake, 1));
+    shared->wake_reader();
   }
   // So that a device of that name can come again; clients that have the node open keep their handler.
   glib_error_t ignored;
@@ -259,6 +264,7 @@ device_node_t::~device_node_t() {
   umockdev_testbed_uevent(bed.handle(), sys_path.c_str(), "remove");
   umockdev_testbed_remove_device(bed.handle(), sys_path.c_str());
   ::unlink((bed.root() + node).c_str());
+  ::unlink(hidden_place().c_str());
 }
 
 void device_node_t::attach() {
@@ -288,14 +294,36 @@ void device_node_t::end_reads(bool ended) {
   shared->ended = ended;
   shared->drain();
   if (ended) {
-    const char wake = 0;
-    static_cast<void>(::write(shared->feeder.get(), &wake, 1));
+    shared->wake_reader();
   }
+}
+
+std::string device_node_t::hidden_place() const {
+  std::string name = node;
+  std::replace(name.begin(), name.end(), '/', '_');
+  return bed.root() + "/removed" + name;
+}
+
+// The emulation never lets go of a node's handler while a client has it open, so the node is moved and not made anew.
+void device_node_t::set_present(bool present) {
+  {
+    const zyl::lock_t lock(shared->mutex);
+    if (present != shared->gone) {
+      return;
+    }
+    shared->gone = !present;
+    shared->drain();
+    if (!present) {
+      shared->wake_reader();
+    }
+  }
+  const std::string place = bed.root() + node;
+  std::filesystem::rename(present ? hidden_place() : place, present ? place : hidden_place());
 }
 
 void device_node_t::feed(std::span<const uint8_t> record) {
   const zyl::lock_t lock(shared->mutex);
-  if (shared->clients > 0 || shared->calls.keeps_records) {
+  if (!shared->gone && (shared->clients > 0 || shared->calls.keeps_records)) {
     static_cast<void>(::write(shared->feeder.get(), record.data(), record.size()));
   }
 }

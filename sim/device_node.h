@@ -51,6 +51,10 @@ class device_node_t {
   /// lost.
   void end_reads(bool ended);
 
+  /// Takes the node out of sight, or puts it back, without a word to udev. While it is out, requests and reads of who
+  /// has it open fail with ENODEV, and what waited to be read or is fed is lost.
+  void set_present(bool present);
+
   const std::string& syspath() const { return sys_path; }
 
  private:
@@ -59,6 +63,8 @@ class device_node_t {
 
   void attach();
   void announce(const std::string& subsystem, const std::string& sysname);
+  /// Where the node is while it is out of sight.
+  std::string hidden_place() const;
 
   testbed_t& bed;
   std::string node;

@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
-#include <filesystem>
 #include <sstream>
 #include <utility>
 
@@ -61,20 +60,15 @@ ktm5030_t::~ktm5030_t() {
   alive.reset();
 }
 
-// The emulation never lets go of a node's handler, so the node is made once and then moved out of sight and back.
+// The node is made once, since the emulation never lets go of its handler.
 void ktm5030_t::set_present(bool wanted) {
-  {
-    const zyl::lock_t lock(mutex);
-    if (wanted == present) {
-      return;
-    }
-    present = wanted;
+  if (wanted == present) {
+    return;
   }
+  present = wanted;
   story.tell("hardware", wanted ? "ktm5030 added" : "ktm5030 removed");
-  const std::string place = testbed.root() + "/dev/ktm5030";
-  const std::string hidden = testbed.root() + "/removed_ktm5030";
   if (node) {
-    std::filesystem::rename(wanted ? hidden : place, wanted ? place : hidden);
+    node->set_present(wanted);
     return;
   }
   device_calls_t calls;
@@ -103,7 +97,7 @@ void ktm5030_t::set_info(const std::string& text) {
 
 void ktm5030_t::raise_event(const std::string& text) {
   const auto code = number_in<uint32_t>(text);
-  if (!code || tree.value("/sim/ktm5030/device") != "present") {
+  if (!code || !present) {
     return;
   }
   uint8_t bytes[sizeof *code];
@@ -113,25 +107,20 @@ void ktm5030_t::raise_event(const std::string& text) {
 }
 
 void ktm5030_t::publish() {
-  std::string device;
   std::string byte;
   std::string words;
   {
     const zyl::lock_t lock(mutex);
-    device = present ? "present" : "absent";
     byte = std::to_string(mode);
     words = std::to_string(info[0]) + ' ' + std::to_string(info[1]) + ' ' + std::to_string(info[2]);
   }
-  tree.publish("/sim/ktm5030/device", device);
+  tree.publish("/sim/ktm5030/device", present ? "present" : "absent");
   tree.publish("/sim/ktm5030/mode", byte);
   tree.publish("/sim/ktm5030/info", words);
 }
 
 int ktm5030_t::answer(uint32_t request, std::span<uint8_t> record) {
   const zyl::lock_t lock(mutex);
-  if (!present) {
-    return ENODEV;
-  }
   switch (request) {
     case read_mode_request:
       record[0] = mode;

@@ -17,14 +17,16 @@ struct event_base;
 
 namespace sim {
 
-/// The KTM5030 behind "/dev/ktm5030". Its events wait for a reader, as programs look for them now and then.
+/// The KTM5030 behind "/dev/ktm5030". Its events wait until a program reads them, also while none has it open: programs
+/// open it now and then only to look.
 ///
 /// Properties; what does not read as described changes nothing:
-///   "/sim/ktm5030/device"  "present"/"absent"; set it to add or take away the node. Who has it open then keeps it, but
-///                          every request fails with ENODEV
+///   "/sim/ktm5030/device"  "present"/"absent"; set it to add or take away the node. Taken away it loses the events
+///   that
+///                          wait, and who has it open has ENODEV of every request and read until it is back
 ///   "/sim/ktm5030/mode"    the mode byte, 0 to 255
 ///   "/sim/ktm5030/info"    the three words of the info, blank separated
-///   "/sim/ktm5030/event"   set to an event code: gives that event
+///   "/sim/ktm5030/event"   set it to an event code, in decimal, and the device gives that event
 /// Loop thread only.
 class ktm5030_t {
  public:
@@ -51,8 +53,9 @@ class ktm5030_t {
   testbed_t& testbed;
   property_tree_t& tree;
   story_t& story;
+  bool present = false;
+  /// Guards what requests meet, which come on the testbed's thread.
   zyl::mutex_t mutex;
-  bool present ZYL_GUARDED_BY(mutex) = false;
   uint8_t mode ZYL_GUARDED_BY(mutex) = 0;
   std::array<uint32_t, 3> info ZYL_GUARDED_BY(mutex) = {};
   /// Posts that outlive this object find it gone.

@@ -65,17 +65,10 @@ status_files_t::status_files_t(event_base* base, std::string root_folder, proper
     : root(std::move(root_folder)),
       tree(properties),
       story(told),
-      watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
-      written(event_new(base, watch.get(), EV_READ | EV_PERSIST, on_written, this)) {
-  std::set<std::string> folders;
+      notifier(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
+      written(event_new(base, notifier.get(), EV_READ | EV_PERSIST, on_written, this)) {
   for (const auto& [path, content] : files) {
     add(path, content);
-    folders.insert(std::filesystem::path(path).parent_path());
-  }
-  for (const std::string& folder : folders) {
-    if (inotify_add_watch(watch.get(), (root + folder).c_str(), IN_CLOSE_WRITE) < 0) {
-      throw std::system_error(errno, std::generic_category(), "cannot watch " + folder);
-    }
   }
   event_add(written.get(), nullptr);
 }
@@ -88,14 +81,24 @@ void status_files_t::add(const std::string& path, const std::string& content) {
 }
 
 // Moved to its place complete, so that a reader never meets half a value, and nobody takes it for a program's write.
-void status_files_t::write(const std::string& path, const std::string& content) const {
+void status_files_t::write(const std::string& path, const std::string& content) {
   if (content == no_file) {
+    watches.erase(path);
     std::filesystem::remove(root + path);
     return;
   }
   const std::string made = root + "/next_status_file";
   std::ofstream(made, std::ios::binary) << content << (content.empty() ? "" : "\n");
+  watch_file(made, path);
   std::filesystem::rename(made, root + path);
+}
+
+void status_files_t::watch_file(const std::string& made, const std::string& path) {
+  const int watch = inotify_add_watch(notifier.get(), made.c_str(), IN_CLOSE_WRITE);
+  if (watch < 0) {
+    throw std::system_error(errno, std::generic_category(), "cannot watch " + path);
+  }
+  watches[path] = watch;
 }
 
 void status_files_t::on_written(evutil_socket_t /*fd*/, short /*events*/, void* self) {
@@ -103,21 +106,21 @@ void status_files_t::on_written(evutil_socket_t /*fd*/, short /*events*/, void* 
 }
 
 void status_files_t::take_written() {
-  std::set<std::string> names;
+  std::set<int> seen;
   alignas(inotify_event) std::array<char, 4096> buffer{};
-  for (ssize_t count = 0; (count = ::read(watch.get(), buffer.data(), buffer.size())) > 0;) {
+  for (ssize_t count = 0; (count = ::read(notifier.get(), buffer.data(), buffer.size())) > 0;) {
     for (ssize_t at = 0; at < count;) {
       inotify_event event{};
       std::memcpy(&event, buffer.data() + at, sizeof event);
-      if (event.len > 0) {
-        names.insert(buffer.data() + at + sizeof event);
+      if ((event.mask & IN_CLOSE_WRITE) != 0) {
+        seen.insert(event.wd);
       }
       at += static_cast<ssize_t>(sizeof event + event.len);
     }
   }
-  for (const auto& file : files) {
-    if (names.contains(name_of(file.path))) {
-      tell_written(file.path);
+  for (const auto& [path, watch] : watches) {
+    if (seen.contains(watch)) {
+      tell_written(path);
     }
   }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 
 #include "sim/descriptor.h"
@@ -14,7 +15,8 @@ namespace sim {
 ///
 /// Properties, <name> being what the file is called, such as "temp4_input", "pwm1" or "poe_class":
 ///   "/sim/hardware/<name>"  what the file holds, without its line end; "" for an empty file, "absent" for none. Set it
-///                           to change the file; it follows when a program writes the file
+///                           to change the file; it follows when a program writes the file, of several quick writes
+///                           the last one. A write that the simulation replaces before it has seen it is not told
 /// Loop thread only.
 class status_files_t {
  public:
@@ -31,14 +33,17 @@ class status_files_t {
  private:
   static void on_written(evutil_socket_t fd, short events, void* self);
   void add(const std::string& path, const std::string& content);
-  void write(const std::string& path, const std::string& content) const;
+  void write(const std::string& path, const std::string& content);
+  void watch_file(const std::string& made, const std::string& path);
   void take_written();
   void tell_written(const std::string& path);
 
   std::string root;
   property_tree_t& tree;
   story_t& story;
-  descriptor_t watch;
+  descriptor_t notifier;
+  /// By path: the watch of the file that stands there. A file that was replaced has another one.
+  std::map<std::string, int> watches;
   zyl::event_ptr_t written;
 };
 

@@ -3,7 +3,9 @@
 #include <event2/event.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
@@ -89,9 +91,10 @@ TEST_F(SimulatedKtm5030, GivesTheInfoOfTheProperty) {
 
 TEST_F(SimulatedKtm5030, KeepsItsEventsUntilSomebodyLooks) {
   tree.set("/sim/ktm5030/info", "7 8 9");
-  for (const char* code : {"0", "2", "3", "5", "6", "none", "9"}) {
+  for (const char* code : {"0", "2", "3", "5", "6", "9"}) {
     tree.set("/sim/ktm5030/event", code);
   }
+  EXPECT_TRUE(told().ends_with("\thardware\tktm5030 event 9\n")) << told();
   EXPECT_TRUE(lnx::ktm5030_set_mode(0));
   EXPECT_EQ(lnx::ktm5030_poll_events(status), 15U);
   EXPECT_EQ(status.signal, 1U);
@@ -101,29 +104,63 @@ TEST_F(SimulatedKtm5030, KeepsItsEventsUntilSomebodyLooks) {
   EXPECT_EQ(lnx::ktm5030_poll_events(status), 0U);
 }
 
+TEST_F(SimulatedKtm5030, GivesNoEventWhereAPropertyIsNoCode) {
+  const std::string before = told();
+  for (const char* text : {"", "none", "-1", "4294967296", "0 1", "0x1", " 1"}) {
+    tree.set("/sim/ktm5030/event", text);
+  }
+  const sim::descriptor_t open(::open("/dev/ktm5030", O_RDWR | O_NONBLOCK | O_CLOEXEC));
+  pollfd waiting{open.get(), POLLIN, 0};
+  EXPECT_EQ(::poll(&waiting, 1, 0), 0);
+  EXPECT_EQ(told(), before);
+}
+
+TEST_F(SimulatedKtm5030, LosesTheEventsThatWaitWhenItIsTakenAway) {
+  tree.set("/sim/ktm5030/event", "0");
+  tree.set("/sim/ktm5030/device", "absent");
+  tree.set("/sim/ktm5030/event", "3");
+  tree.set("/sim/ktm5030/device", "present");
+  EXPECT_EQ(lnx::ktm5030_poll_events(status), 0U);
+  tree.set("/sim/ktm5030/event", "5");
+  EXPECT_EQ(lnx::ktm5030_poll_events(status), 8U);
+}
+
 TEST_F(SimulatedKtm5030, CanBeTakenAwayAndReturns) {
   uint32_t mode = 0;
   tree.set("/sim/ktm5030/device", "absent");
   EXPECT_EQ(tree.value("/sim/ktm5030/device"), "absent");
+  EXPECT_TRUE(told().ends_with("\thardware\tktm5030 removed\n")) << told();
   EXPECT_EQ(lnx::ktm5030_get_mode(mode), 0);
   EXPECT_FALSE(lnx::ktm5030_set_mode(1));
   tree.set("/sim/ktm5030/event", "0");
   tree.set("/sim/ktm5030/device", "present");
   EXPECT_EQ(tree.value("/sim/ktm5030/device"), "present");
+  EXPECT_TRUE(told().ends_with("\thardware\tktm5030 added\n")) << told();
   EXPECT_EQ(lnx::ktm5030_poll_events(status), 0U);
   EXPECT_EQ(lnx::ktm5030_get_mode(mode), 1);
   tree.set("/sim/ktm5030/device", "elsewhere");
   EXPECT_EQ(tree.value("/sim/ktm5030/device"), "present");
 }
 
-TEST_F(SimulatedKtm5030, FailsTheRequestsOfWhoHasItOpenOnceItIsTakenAway) {
+TEST_F(SimulatedKtm5030, FailsTheRequestsAndReadsOfWhoHasItOpenWhileItIsAway) {
   const sim::descriptor_t open(::open("/dev/ktm5030", O_RDWR | O_CLOEXEC));
   ASSERT_TRUE(open);
   uint8_t byte = 0;
   EXPECT_EQ(::ioctl(open.get(), lnx::ktm5030_read_mode_request, &byte), 0);
+  tree.set("/sim/ktm5030/event", "0");
   tree.set("/sim/ktm5030/device", "absent");
   EXPECT_EQ(::ioctl(open.get(), lnx::ktm5030_read_mode_request, &byte), -1);
   EXPECT_EQ(errno, ENODEV);
+  pollfd waiting{open.get(), POLLIN, 0};
+  EXPECT_EQ(::poll(&waiting, 1, 0), 1);
+  uint32_t code = 77;
+  EXPECT_EQ(::read(open.get(), &code, sizeof code), -1);
+  EXPECT_EQ(errno, ENODEV);
+  EXPECT_EQ(code, 77U);
+  EXPECT_EQ(lnx::ktm5030_take_events(open.get(), status), 0U);
+  tree.set("/sim/ktm5030/device", "present");
+  EXPECT_EQ(::ioctl(open.get(), lnx::ktm5030_read_mode_request, &byte), 0);
+  EXPECT_EQ(::poll(&waiting, 1, 0), 0);
 }
 
 TEST_F(SimulatedKtm5030, FailsARequestThatItDoesNotKnow) {

@@ -143,3 +143,29 @@ TEST_F(StatusFiles, AreStillWatchedAfterTheSimulationHasChangedThem) {
   EXPECT_TRUE(lnx::write_fan_pwm(20));
   EXPECT_TRUE(becomes("/sim/hardware/pwm1", "20"));
 }
+
+TEST_F(StatusFiles, TellNothingOfAWriteThatTheSimulationHasReplaced) {
+  EXPECT_TRUE(lnx::write_fan_pwm(20));
+  tree.set("/sim/hardware/pwm1", "absent");
+  EXPECT_TRUE(lnx::write_fan_ramp_rate(20));
+  tree.set("/sim/hardware/pwm1_ramp_rate", "30");
+  EXPECT_TRUE(lnx::write_fan_enable(2));
+  EXPECT_TRUE(becomes("/sim/hardware/pwm1_enable", "2"));
+  EXPECT_EQ(tree.value("/sim/hardware/pwm1"), "absent");
+  EXPECT_EQ(tree.value("/sim/hardware/pwm1_ramp_rate"), "30");
+  EXPECT_EQ(told().find("is written"), told().find("is written: 2\n")) << told();
+}
+
+TEST_F(StatusFiles, TellTheLastOfSeveralQuickWritesOnce) {
+  EXPECT_TRUE(lnx::write_fan_pwm(20));
+  EXPECT_TRUE(lnx::write_fan_pwm(30));
+  EXPECT_TRUE(becomes("/sim/hardware/pwm1", "30"));
+  EXPECT_EQ(told().find("is written"), told().find("is written: 30\n")) << told();
+}
+
+TEST_F(StatusFiles, TellAWriteOfWhatIsThereAlready) {
+  EXPECT_TRUE(lnx::write_fan_pwm(128));
+  EXPECT_TRUE(lnx::write_fan_enable(0));
+  EXPECT_TRUE(becomes("/sim/hardware/pwm1_enable", "0"));
+  EXPECT_NE(told().find("\thardware\tpwm1 is written: 128\n"), std::string::npos) << told();
+}
