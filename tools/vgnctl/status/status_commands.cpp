@@ -17,7 +17,8 @@ namespace {
 
 constexpr const char* status_footer = R"(Output:
   A line an item: name, value and unit; "not available" for what this machine
-  does not tell. Nothing is changed on the hardware.
+  does not tell, or does not let you read: the KTM5030 tells only who may also
+  write to its device. Nothing is changed on the hardware.
   With --json one object with the names as keys; null for what is not available.
 
   board_temperature_a, board_temperature_b  two places of the board, in °C
@@ -35,11 +36,15 @@ constexpr const char* status_footer = R"(Output:
   aux_status, poe_status, poe_class,        what the board's files say, as text
   board_id, product_id
   ktm5030_mode                              0, or 2 for any other mode
+  ktm5030_mode_byte                         the mode as the device tells it
   ktm5030_info                              three numbers
 
   Temperatures and voltages are rounded to thousandths. In texts of the table a
   backslash is \\, and \n, \r, \t or \xHH stand for control characters and bytes
-  that are no UTF-8, which are U+FFFD in JSON.
+  that are no UTF-8, which are U+FFFD in JSON; an empty text is "".
+
+  Left out on purpose: who drives the fan, which its reader does not hand out;
+  the events of the KTM5030, since whoever reads one takes it from the others.
 
 Examples:
   vgnctl status

@@ -41,9 +41,19 @@ status_item_t power_source() {
   return {"power_source", value, value.is_null() ? "" : meanings.at(value.get<std::size_t>())};
 }
 
-json ktm5030_mode() {
+struct ktm5030_mode_t {
+  json mode;
+  json byte;
+};
+
+ktm5030_mode_t ktm5030_mode() {
   uint32_t mode = 0;
-  return lnx::ktm5030_get_mode(mode) != 0 ? json(mode) : json();
+  const uint8_t answer = lnx::ktm5030_get_mode(mode);
+  if (answer == 0) {
+    return {};
+  }
+  // The answer has 1 in place of the byte 0.
+  return {mode, mode == 0 ? 0 : answer};
 }
 
 json ktm5030_info() {
@@ -55,6 +65,7 @@ json ktm5030_info() {
 }  // namespace
 
 std::vector<status_item_t> read_status() {
+  const ktm5030_mode_t ktm5030 = ktm5030_mode();
   return {
       {"board_temperature_a", value_of(lnx::read_board_temperature_a), "°C"},
       {"board_temperature_b", value_of(lnx::read_board_temperature_b), "°C"},
@@ -72,7 +83,8 @@ std::vector<status_item_t> read_status() {
       {"poe_class", value_of(lnx::read_poe_class), ""},
       {"board_id", value_of(lnx::read_board_id), ""},
       {"product_id", value_of(lnx::read_product_id), ""},
-      {"ktm5030_mode", ktm5030_mode(), ""},
+      {"ktm5030_mode", ktm5030.mode, ""},
+      {"ktm5030_mode_byte", ktm5030.byte, ""},
       {"ktm5030_info", ktm5030_info(), ""},
   };
 }

@@ -13,7 +13,8 @@ std::string value_text(const nlohmann::json& value) {
     return "not available";
   }
   if (value.is_string()) {
-    return escaped_text(value.get_ref<const std::string&>());
+    const std::string text = escaped_text(value.get_ref<const std::string&>());
+    return text.empty() ? R"("")" : text;
   }
   if (!value.is_array()) {
     return value.dump();

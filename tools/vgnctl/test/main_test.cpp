@@ -3,8 +3,13 @@
 
 #include <string>
 
+#include "sim/property_tree.h"
+#include "sim/status_files.h"
+#include "sim/story.h"
+#include "sim/testbed.h"
 #include "tools/vgnctl/test/simulated_properties.h"
 #include "tools/vgnctl/test/tool.h"
+#include "zyl/event_loop.h"
 
 using testing::AllOf;
 using testing::EndsWith;
@@ -62,7 +67,8 @@ TEST(Vgnctl, UnknownCommandIsNamed) {
 TEST(Vgnctl, HelpOfEachCommandIsNoFailureAndTellsExamplesAndExitStatuses) {
   const auto overview = run("--help");
   EXPECT_EQ(overview.status, 0);
-  EXPECT_THAT(overview.out, AllOf(HasSubstr("\n  property "), HasSubstr("Exit status:")));
+  EXPECT_THAT(overview.out, AllOf(HasSubstr("\n  property "), HasSubstr("\n  edid "), HasSubstr("\n  status "),
+                                  HasSubstr("Exit status:")));
   EXPECT_EQ(overview.error, "");
   const auto group = run("property --help");
   EXPECT_EQ(group.status, 0);
@@ -86,9 +92,26 @@ TEST(Vgnctl, HelpFitsAPlainTerminal) {
 TEST(Vgnctl, OutputThatCannotBeWrittenIsAFailure) {
   vgnctl::simulated_properties_t properties;
   properties.publish("/a", "1");
-  for (const char* arguments : {"--help", "property get /a", "property dump"}) {
+  for (const char* arguments : {"--help", "property get /a", "property dump", "edid tables cta"}) {
     const auto outcome = run(std::string(arguments) + " >/dev/full");
     EXPECT_EQ(outcome.status, 1) << arguments;
     EXPECT_EQ(outcome.error, "vgnctl: standard output takes nothing more\n");
+  }
+}
+
+TEST(Vgnctl, StatusThatCannotBeWrittenIsAFailure) {
+  const sim::testbed_t machine;
+  zyl::event_loop_t loop;
+  sim::property_tree_t tree;
+  sim::story_t story;
+  const sim::status_files_t files(loop.base(), machine.root(), tree, story);
+  std::string variables = "ASAN_OPTIONS=$ASAN_OPTIONS:verify_asan_link_order=0 ";
+  for (const auto& [name, value] : machine.environment()) {
+    variables.append(name).append("=").append(value).append(" ");
+  }
+  for (const char* command : {"status", "status --json"}) {
+    const auto outcome = shell(variables + VGNCTL_PROGRAM + " " + command + " >/dev/full");
+    EXPECT_EQ(outcome.status, 1) << command;
+    EXPECT_EQ(outcome.error, "vgnctl: standard output takes nothing more\n") << command;
   }
 }

@@ -57,7 +57,7 @@ TEST_F(Completion, IsRegisteredForTheTool) {
 }
 
 TEST_F(Completion, OffersGroupsAndCommands) {
-  EXPECT_THAT(offered("''"), IsSupersetOf({"property"}));
+  EXPECT_THAT(offered("''"), IsSupersetOf({"edid", "property", "status"}));
   EXPECT_THAT(offered("prop"), ElementsAre("property"));
   EXPECT_THAT(offered("property ''"), ElementsAre("create", "dump", "get", "list", "monitor", "set"));
   EXPECT_THAT(offered("property mo"), ElementsAre("monitor"));

@@ -1,10 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "sim/ktm5030.h"
 #include "sim/status_files.h"
@@ -18,6 +21,14 @@ using testing::StartsWith;
 
 namespace {
 
+using file_state_t = std::pair<std::filesystem::file_time_type, std::string>;
+
+std::string content(const std::string& path) {
+  std::ostringstream text;
+  text << std::ifstream(path).rdbuf();
+  return text.str();
+}
+
 /// vgnctl on a machine that has what is in a testbed and nothing else.
 class StatusCommand : public testing::Test {
  protected:
@@ -29,10 +40,17 @@ class StatusCommand : public testing::Test {
     return vgnctl::shell(command + " " VGNCTL_PROGRAM " " + arguments);
   }
 
-  static std::string story_told() {
-    std::ostringstream text;
-    text << std::ifstream("/tmp/story").rdbuf();
-    return text.str();
+  static std::string story_told() { return content("/tmp/story"); }
+
+  /// All files below the machine's /sys: when each was last changed, and what it holds.
+  std::map<std::string, file_state_t> machine_files() const {
+    std::map<std::string, file_state_t> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(bed.root() + "/sys")) {
+      if (entry.is_regular_file()) {
+        files[entry.path()] = {entry.last_write_time(), content(entry.path())};
+      }
+    }
+    return files;
   }
 
   sim::testbed_t bed;
@@ -81,6 +99,7 @@ TEST_F(StatusOfAppliance, IsATable) {
             "board_id             2\n"
             "product_id           1\n"
             "ktm5030_mode         0\n"
+            "ktm5030_mode_byte    0\n"
             "ktm5030_info         0 0 0\n");
 }
 
@@ -92,14 +111,22 @@ TEST_F(StatusOfAppliance, IsAJsonObject) {
             R"({"board_temperature_a":41.5,"board_temperature_b":38.25,"pl_temperature":46.955,)"
             R"("ps_temperature":48.898,"vccaux14_a":12.0,"vccaux14_b":4.936,"vccaux15":3.3,"fan_speed":3150,)"
             R"("fan_pwm":128,"fan_ramp_rate":16,"power_source":3,"aux_status":"0","poe_status":"1","poe_class":"4",)"
-            R"("board_id":"2","product_id":"1","ktm5030_mode":0,"ktm5030_info":[0,0,0]})"
+            R"("board_id":"2","product_id":"1","ktm5030_mode":0,"ktm5030_mode_byte":0,"ktm5030_info":[0,0,0]})"
             "\n");
 }
 
 TEST_F(StatusOfAppliance, IsReadWithoutChangingAnything) {
-  const std::string before = story_told();
+  const auto files_before = machine_files();
+  const std::string story_before = story_told();
+  EXPECT_GE(files_before.size(), 19U);
   EXPECT_EQ(run("status").status, 0);
-  EXPECT_EQ(story_told(), before);
+  EXPECT_EQ(machine_files(), files_before);
+  EXPECT_EQ(story_told(), story_before);
+}
+
+TEST_F(StatusOfAppliance, TellsAnEmptyLineByQuotationMarks) {
+  tree.set("/sim/hardware/board_id", "\n");
+  EXPECT_THAT(run("status").out, HasSubstr("\nboard_id             \"\"\n"));
 }
 
 TEST_F(StatusOfAppliance, LeavesOutWhatTheBoardDoesNotTell) {
@@ -131,7 +158,7 @@ TEST_F(StatusCommand, WithoutAnythingTellsSoWithStatusOne) {
   const auto table = run("status");
   EXPECT_EQ(table.status, 1);
   EXPECT_EQ(table.error, "vgnctl: this machine tells nothing about its hardware\n");
-  EXPECT_EQ(lines_of(" not available", table.out), std::string(18, 'x'));
+  EXPECT_EQ(lines_of(" not available", table.out), std::string(19, 'x'));
   EXPECT_THAT(table.out, StartsWith("board_temperature_a  not available\n"));
 }
 
@@ -140,7 +167,7 @@ TEST_F(StatusCommand, WithoutAnythingIsAnObjectOfNulls) {
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.error, "vgnctl: this machine tells nothing about its hardware\n");
   const auto object = nlohmann::json::parse(outcome.out);
-  EXPECT_EQ(object.size(), 18U);
+  EXPECT_EQ(object.size(), 19U);
   for (const auto& [key, value] : object.items()) {
     EXPECT_EQ(value, nullptr) << key;
   }

@@ -90,6 +90,7 @@ TEST_F(StatusItems, Ktm5030IsOnlyLookedAt) {
   tree.set("/sim/ktm5030/info", "1 2 3");
   tree.set("/sim/ktm5030/event", "0");
   EXPECT_EQ(value("ktm5030_mode"), json(2));
+  EXPECT_EQ(value("ktm5030_mode_byte"), json(9));
   EXPECT_EQ(value("ktm5030_info"), json::array({1, 2, 3}));
   EXPECT_EQ(tree.value("/sim/ktm5030/mode"), "9");
   // The event is still there for whom it is for.
@@ -97,8 +98,17 @@ TEST_F(StatusItems, Ktm5030IsOnlyLookedAt) {
   EXPECT_EQ(lnx::ktm5030_poll_events(status), 1U);
 }
 
+TEST_F(StatusItems, Ktm5030ModesZeroAndOneAreToldApart) {
+  EXPECT_EQ(value("ktm5030_mode"), json(0));
+  EXPECT_EQ(value("ktm5030_mode_byte"), json(0));
+  tree.set("/sim/ktm5030/mode", "1");
+  EXPECT_EQ(value("ktm5030_mode"), json(2));
+  EXPECT_EQ(value("ktm5030_mode_byte"), json(1));
+}
+
 TEST_F(StatusItems, Ktm5030MayBeMissing) {
   tree.set("/sim/ktm5030/device", "absent");
   EXPECT_EQ(value("ktm5030_mode"), json());
+  EXPECT_EQ(value("ktm5030_mode_byte"), json());
   EXPECT_EQ(value("ktm5030_info"), json());
 }

@@ -13,6 +13,11 @@ TEST(StatusText, TableHasNamesValuesAndUnitsInColumns) {
             "volts      3.302  V\n");
 }
 
+TEST(StatusText, TableHasQuotationMarksForAnEmptyText) {
+  EXPECT_EQ(status_table({{"id", "", ""}, {"pwm", 7, "%"}}), "id   \"\"\npwm  7  %\n");
+  EXPECT_EQ(status_json({{"id", "", ""}}), R"({"id":""})");
+}
+
 TEST(StatusText, TableTellsWhatIsNotAvailableWithoutItsUnit) {
   EXPECT_EQ(status_table({{"fan", nullptr, "turns a minute"}, {"id", nullptr, ""}, {"pwm", 7, "of 255"}}),
             "fan  not available\n"
@@ -25,7 +30,7 @@ TEST(StatusText, TableHasNoBlanksBehindValuesWithoutAUnitHoweverLong) {
             "id    " + std::string(30, 'x') + "\ninfo  1 22 333\npwm   7  %\n");
 }
 
-TEST(StatusText, TableKeepsATextOnOneLineAndTerminalsUnmoved) {
+TEST(StatusText, TableKeepsATextOnOneLineAndEscapesWhatWouldSteerATerminal) {
   EXPECT_EQ(status_table({{"id", "a\\b\r\x1B[31m\xFF°", ""}}), "id  a\\\\b\\r\\x1b[31m\\xff°\n");
 }
 
