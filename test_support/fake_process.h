@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -18,9 +19,13 @@ class fake_process_t {
   explicit fake_process_t(const std::string& name) {
     int named[2];
     if (pipe(named) != 0) {
+      ADD_FAILURE() << "no pipe";
       return;
     }
     child = fork();
+    if (child < 0) {
+      ADD_FAILURE() << "no process";
+    }
     if (child == 0) {
       run(name, named[1]);
     }
@@ -30,8 +35,10 @@ class fake_process_t {
     close(named[0]);
   }
   ~fake_process_t() {
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
+    if (child > 0) {
+      kill(child, SIGKILL);
+      waitpid(child, nullptr, 0);
+    }
   }
 
   fake_process_t(const fake_process_t&) = delete;

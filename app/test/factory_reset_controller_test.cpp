@@ -13,6 +13,7 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -24,10 +25,8 @@
 
 namespace {
 
-using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
@@ -250,17 +249,22 @@ std::vector<std::string> openedByTheTest() {
   return opened;
 }
 
-TEST_F(FactoryResetControllerTest, TheScriptReadsFromAPipeThatStaysOpen) {
+TEST_F(FactoryResetControllerTest, TheScriptReadsAndWritesThroughPipesThatStayOpen) {
   ASSERT_EQ(::mkfifo(end_path, 0600), 0);
-  installScript(std::string("readlink /proc/$$/fd/0 >/tmp/reset_input\nread status <") + end_path);
+  installScript(std::string("pipes=$(readlink /proc/$$/fd/0 /proc/$$/fd/1 /proc/$$/fd/2)\n"
+                            "echo \"$pipes\" >/tmp/reset_pipes\nread status <") +
+                end_path);
   controller.start();
   holdElapses();
   EXPECT_THAT(happened(2), ElementsAre("initiated", "started"));
   std::ofstream end(end_path);
-  std::string input = contentOf("/tmp/reset_input");
-  ASSERT_THAT(input, AllOf(StartsWith("pipe:"), EndsWith("\n")));
-  input.pop_back();
-  EXPECT_THAT(openedByTheTest(), Contains(input));
+  std::istringstream pipes(contentOf("/tmp/reset_pipes"));
+  for (const char* what : {"input", "output", "error output"}) {
+    std::string pipe;
+    ASSERT_TRUE(std::getline(pipes, pipe)) << what;
+    EXPECT_THAT(pipe, StartsWith("pipe:")) << what;
+    EXPECT_THAT(openedByTheTest(), Contains(pipe)) << what;
+  }
   end << "0\n" << std::flush;
   EXPECT_THAT(happened(3), ElementsAre("completed 0"));
 }

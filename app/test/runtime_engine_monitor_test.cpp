@@ -112,11 +112,14 @@ TEST_F(RuntimeEngineMonitorTest, AStopByWhoeverHearsOfTheEngineEndsTheWatch) {
 TEST_F(RuntimeEngineMonitorTest, PausesBehindEachLook) {
   const test_support::fake_process_t engine(engine_name);
   RuntimeEngineMonitor patient(QString::fromStdString(engine_name), 100);
-  QObject::connect(&patient, &RuntimeEngineMonitor::statusChanged, &patient, &RuntimeEngineMonitor::stop);
-  QElapsedTimer timer;
-  timer.start();
+  QElapsedTimer since_told;
+  QObject::connect(&patient, &RuntimeEngineMonitor::statusChanged, &patient, [&] {
+    since_told.start();
+    patient.stop();
+  });
   patient.start();
-  EXPECT_GE(timer.elapsed(), 100);
+  ASSERT_TRUE(since_told.isValid());
+  EXPECT_GE(since_told.elapsed(), 100);
 }
 
 TEST_F(RuntimeEngineMonitorTest, SaysWhatItTellsOfAlready) {
