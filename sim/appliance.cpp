@@ -1,5 +1,6 @@
 #include "sim/appliance.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -35,6 +36,9 @@ appliance_t::appliance_t(const model_t& model, const std::string& story_file)
     variables << name << '=' << value << '\n';
   }
   variables.close();
+  if (!variables) {
+    throw std::system_error(errno, std::generic_category(), environment_file);
+  }
   story.tell("appliance", "model " + std::to_string(model.id) + " is up");
   tree.publish("/sim/ready", "1");
 }

@@ -21,9 +21,8 @@ namespace sim {
 /// open it now and then only to look.
 ///
 /// Properties; what does not read as described changes nothing:
-///   "/sim/ktm5030/device"  "present"/"absent"; set it to add or take away the node. Taken away it loses the events
-///   that
-///                          wait, and who has it open has ENODEV of every request and read until it is back
+///   "/sim/ktm5030/device"  "present"/"absent"; set it to add or take away the node. Taken away it loses waiting
+///                          events; who has it open gets ENODEV of requests and reads until it is back
 ///   "/sim/ktm5030/mode"    the mode byte, 0 to 255
 ///   "/sim/ktm5030/info"    the three words of the info, blank separated
 ///   "/sim/ktm5030/event"   set it to an event code, in decimal, and the device gives that event

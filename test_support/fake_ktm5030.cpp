@@ -79,9 +79,9 @@ void fake_ktm5030_t::fail(uint32_t request) {
   failing.insert(request);
 }
 
-void fake_ktm5030_t::fail_next_read() {
+void fake_ktm5030_t::fail_next_read(int error) {
   const zyl::lock_t lock(mutex);
-  next_read_fails = true;
+  next_read_error = error;
 }
 
 void fake_ktm5030_t::hang_up_at(uint32_t request) {
@@ -143,15 +143,16 @@ int fake_ktm5030_t::answer(uint32_t request, std::span<uint8_t> record) {
   return 0;
 }
 
-bool fake_ktm5030_t::read_fails() {
+/// The errno of the read that has come; 0 for one that succeeds.
+int fake_ktm5030_t::failing_read() {
   const zyl::lock_t lock(mutex);
   ++read_count;
-  if (!std::exchange(next_read_fails, false)) {
-    return false;
+  const int error = std::exchange(next_read_error, 0);
+  if (error != 0) {
+    uint32_t lost = 0;
+    EXPECT_EQ(::read(reader, &lost, sizeof lost), ssize_t{sizeof lost});
   }
-  uint32_t lost = 0;
-  EXPECT_EQ(::read(reader, &lost, sizeof lost), ssize_t{sizeof lost});
-  return true;
+  return error;
 }
 
 gboolean fake_ktm5030_t::on_ioctl(UMockdevIoctlBase* /*handler*/, UMockdevIoctlClient* client, gpointer self) {
@@ -169,10 +170,11 @@ gboolean fake_ktm5030_t::on_ioctl(UMockdevIoctlBase* /*handler*/, UMockdevIoctlC
 }
 
 gboolean fake_ktm5030_t::on_read(UMockdevIoctlBase* /*handler*/, UMockdevIoctlClient* client, gpointer self) {
-  if (!static_cast<fake_ktm5030_t*>(self)->read_fails()) {
+  const int error = static_cast<fake_ktm5030_t*>(self)->failing_read();
+  if (error == 0) {
     return FALSE;  // the terminal answers
   }
-  umockdev_ioctl_client_complete(client, -1, EIO);
+  umockdev_ioctl_client_complete(client, -1, error);
   return TRUE;
 }
 

@@ -37,8 +37,8 @@ class fake_ktm5030_t {
   /// From now on this request fails with EIO.
   void fail(uint32_t request);
 
-  /// The next read fails with EIO; the event that it would have given is gone.
-  void fail_next_read();
+  /// The next read fails with this errno; the event that it would have given is gone.
+  void fail_next_read(int error);
 
   /// Hangs up when this request has been answered: from then on reads give nothing, and poll tells POLLHUP.
   void hang_up_at(uint32_t request);
@@ -60,7 +60,7 @@ class fake_ktm5030_t {
   static gboolean on_read(UMockdevIoctlBase* handler, UMockdevIoctlClient* client, gpointer self);
 
   int answer(uint32_t request, std::span<uint8_t> record);
-  bool read_fails();
+  int failing_read();
 
   fake_udev_t& machine;
   /// What the node really is.
@@ -73,7 +73,7 @@ class fake_ktm5030_t {
   uint8_t mode ZYL_GUARDED_BY(mutex) = 0;
   std::array<uint32_t, 3> info ZYL_GUARDED_BY(mutex) = {};
   std::set<uint32_t> failing ZYL_GUARDED_BY(mutex);
-  bool next_read_fails ZYL_GUARDED_BY(mutex) = false;
+  int next_read_error ZYL_GUARDED_BY(mutex) = 0;
   uint32_t last_request ZYL_GUARDED_BY(mutex) = 0;  // 0: none
   std::vector<uint32_t> asked ZYL_GUARDED_BY(mutex);
   int read_count ZYL_GUARDED_BY(mutex) = 0;

@@ -121,7 +121,7 @@ uint32_t ktm5030_take_events(int fd, ktm5030_status_t& status) {
     if ((waiting.revents & POLLIN) != 0 && !read_event(fd, status, changes)) {
       break;
     }
-    if ((waiting.revents & (POLLERR | POLLHUP)) != 0) {
+    if ((waiting.revents & (POLLERR | POLLHUP | POLLNVAL)) != 0) {
       break;
     }
   }

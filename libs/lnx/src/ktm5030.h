@@ -14,7 +14,7 @@ namespace lnx {
 // status have become 1 and 0; 2 tells that there is new info.
 //
 // Every function but the last opens the device, and fails if there is none. They take no lock: any thread may call
-// them.
+// them, but no two may take events at once, as the one that comes too late would wait for the next event.
 
 inline constexpr uint32_t ktm5030_read_mode_request = 0xC0014B01;
 inline constexpr uint32_t ktm5030_write_mode_request = 0x40014B02;
@@ -63,11 +63,11 @@ bool ktm5030_read_info(ktm5030_status_t& status);
 ///
 /// An event that one caller has taken is not seen by another. A failed read, half an event and an unknown code change
 /// nothing. The call ends where nothing more waits, and also when the device hangs up or is in error, and when a read
-/// gives nothing at all or fails with anything but EINTR, EAGAIN or EIO: a node that stays readable without ever giving
-/// an event must not hold the caller.
+/// gives nothing at all or fails with anything but EINTR, EAGAIN or EIO, so that what is no such device does not hold
+/// the caller. After those three, and after half an event, it goes on for as long as there is something to read.
 uint32_t ktm5030_poll_events(ktm5030_status_t& status);
 
-/// The same on a descriptor of the device, which stays open; 0 for a negative one.
+/// The same on a descriptor of the device, which stays open; 0 for one that is not open.
 uint32_t ktm5030_take_events(int fd, ktm5030_status_t& status);
 
 }  // namespace lnx

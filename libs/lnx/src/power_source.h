@@ -10,8 +10,8 @@ namespace lnx {
 ///
 /// The first answer but 0 is kept by the process and no file is opened for it again; 0 is asked anew next time. While
 /// the auxiliary supply is there, the files of power over Ethernet are not opened. False, with the output as it was and
-/// nothing kept, if the auxiliary supply is not there, or cannot be asked, and the PoE status cannot be read; also if
-/// the PoE class is needed and is no number.
+/// no answer kept, if the auxiliary supply is not there, or cannot be asked, and the PoE status cannot be read; also if
+/// the PoE class is needed and is no number, which `read_poe_class` then keeps for the life of the process.
 ///
 /// Any thread, but the answer is kept without a lock: until a call has found it, no two calls of this function and of
 /// `read_poe_class` may overlap.

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -266,12 +267,15 @@ TEST_F(Ktm5030, AllThatWaitsIsTakenInOneCallAndTheLastOfAKindHolds) {
 }
 
 TEST_F(Ktm5030, AFailedReadChangesNothingAndTheNextEventIsTaken) {
-  device->fail_next_read();
-  tell({0, 3});
-  EXPECT_EQ(lnx::ktm5030_poll_events(status), 4U);
-  EXPECT_EQ(device->reads(), 2);
-  EXPECT_EQ(status.signal, 0U);
-  EXPECT_EQ(status.flag_a, 1);
+  for (const int error : {EIO, EINTR, EAGAIN}) {
+    status = {};
+    device->fail_next_read(error);
+    tell({0, 3});
+    EXPECT_EQ(lnx::ktm5030_poll_events(status), 4U) << error;
+    EXPECT_EQ(status.signal, 0U) << error;
+    EXPECT_EQ(status.flag_a, 1) << error;
+  }
+  EXPECT_EQ(device->reads(), 6);
 }
 
 TEST_F(Ktm5030, HalfAnEventChangesNothing) {
@@ -341,4 +345,7 @@ TEST(Ktm5030Descriptor, StaysOpenAndNoneHasNoEvents) {
   EXPECT_EQ(lnx::ktm5030_take_events(pipe.reader(), status), 8U);
   EXPECT_NE(::fcntl(pipe.reader(), F_GETFD), -1);
   EXPECT_EQ(lnx::ktm5030_take_events(-1, status), 0U);
+  const int closed = ::dup(pipe.reader());
+  ::close(closed);
+  EXPECT_EQ(lnx::ktm5030_take_events(closed, status), 0U);
 }
