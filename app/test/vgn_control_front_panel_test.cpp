@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -57,20 +58,21 @@ class VgnControlFrontPanelTest : public FrontPanelTest {
     });
   }
 
-  // The script that runs until `endScript`.
+  // The script that runs until `endScript` tells it how to end.
   static void installScript() {
     std::filesystem::create_directories(script_path.parent_path());
-    ASSERT_EQ(::mkfifo(script_end_path, 0600), 0);
-    std::ofstream(script_path) << "#!/bin/sh\nread status <" << script_end_path << "\nexit $status\n";
+    ASSERT_TRUE(::mkfifo(script_end_path, 0600) == 0 || errno == EEXIST);
+    std::ofstream(script_path) << "#!/bin/sh\nread end <" << script_end_path << "\neval \"$end\"\n";
     std::filesystem::permissions(script_path, std::filesystem::perms::owner_all);
   }
-  static void endScript() { std::ofstream(script_end_path) << "0\n"; }
+  static void endScript(const char* end) { std::ofstream(script_end_path) << end << '\n'; }
 
   // The reset key has been held until the script runs.
   void runScript() {
     installScript();
     bool started = false;
-    QObject::connect(&factoryReset(), &FactoryResetController::resetStarted, control.get(), [&] { started = true; });
+    const QObject listener;
+    QObject::connect(&factoryReset(), &FactoryResetController::resetStarted, &listener, [&] { started = true; });
     key(KEY_F2, 1);
     ASSERT_TRUE(flashesEvery(100));
     passHold();
@@ -166,16 +168,50 @@ TEST_F(VgnControlFrontPanelTest, AReleaseWhileTheResetScriptRunsStopsTheFlashing
   EXPECT_TRUE(isDarkAgain());
 }
 
-TEST_F(VgnControlFrontPanelTest, TheLightStaysAsItIsWhenTheResetScriptHasEnded) {
+TEST_F(VgnControlFrontPanelTest, TheLightStaysAsItIsWhenTheResetScriptHasEndedWhateverItsStatus) {
+  startPlain();
+  bool completed = false;
+  QObject::connect(&factoryReset(), &FactoryResetController::resetCompleted, control.get(), [&] { completed = true; });
+  for (const char* end : {"exit 0", "exit 3"}) {
+    completed = false;
+    runScript();
+    ASSERT_TRUE(isDarkAgain());
+    tell(id_mode, "on");
+    endScript(end);
+    EXPECT_TRUE(test_support::qt_loop_until([&] { return completed; }));
+    EXPECT_THAT(timer_intervals_of(led()), ElementsAre(500)) << end;
+    tell(id_mode, "off");
+    ASSERT_TRUE(isDarkAgain());
+  }
+}
+
+TEST_F(VgnControlFrontPanelTest, AResetScriptThatIsKilledStopsTheFlashingOfIdModeToo) {
   startPlain();
   runScript();
   ASSERT_TRUE(isDarkAgain());
   tell(id_mode, "on");
-  bool completed = false;
-  QObject::connect(&factoryReset(), &FactoryResetController::resetCompleted, control.get(), [&] { completed = true; });
-  endScript();
-  EXPECT_TRUE(test_support::qt_loop_until([&] { return completed; }));
   EXPECT_THAT(timer_intervals_of(led()), ElementsAre(500));
+  endScript("kill -9 $$");
+  EXPECT_TRUE(isDarkAgain());
+}
+
+TEST_F(VgnControlFrontPanelTest, AHoldAfterTheResetScriptCouldNotRunFlashesAgain) {
+  startPlain();
+  key(KEY_F2, 1);
+  ASSERT_TRUE(flashesEvery(100));
+  passHold();
+  ASSERT_TRUE(isDarkAgain());
+  runScript();
+  EXPECT_TRUE(isDarkAgain());
+}
+
+TEST_F(VgnControlFrontPanelTest, ARepeatOfTheResetKeyTurnsTheFlashingOffWhereThisProcessDoesIt) {
+  startPlain();
+  key(KEY_F2, 1);
+  ASSERT_TRUE(flashesEvery(100));
+  key(KEY_F2, 2);
+  EXPECT_TRUE(test_support::qt_loop_until([&] { return timer_intervals_of(led()).empty(); }));
+  EXPECT_THAT(timer_intervals_of(factoryReset()), ElementsAre(5000));
 }
 
 TEST_F(VgnControlFrontPanelTest, BlockedItStillServesLedKeysAndReset) {

@@ -14,6 +14,14 @@ void FrontPanelScenario::SetUp() {
   front_panel.emplace(remote());
 }
 
+void FrontPanelScenario::TearDown() {
+  if (front_panel) {
+    const std::string refused = remote().value("/sim/led/refused");
+    EXPECT_TRUE(refused.empty() || refused == "0") << refused << " writes to the lamp's files were refused";
+  }
+  DaemonScenario::TearDown();
+}
+
 // The first that it hears is that no runtime engine runs, and it tells who has the screens then. Told the same once
 // more, it has heard the rest too.
 void FrontPanelScenario::start_with_keys(const std::vector<std::string>& arguments) {

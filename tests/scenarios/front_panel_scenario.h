@@ -24,9 +24,12 @@ inline constexpr std::chrono::milliseconds reset_period{200};
 
 /// A scenario with somebody in front of the appliance, who presses its keys and looks at its lamp. A model 106, unless
 /// the test makes it another one.
+///
+/// At the end of each test the lamp's drivers must have refused nothing that the daemon wrote.
 class FrontPanelScenario : public DaemonScenario {
  protected:
   void SetUp() override;
+  void TearDown() override;
 
   /// Starts the daemon and waits until it hears the keys and has been told how the system is.
   void start_with_keys(const std::vector<std::string>& arguments = {});

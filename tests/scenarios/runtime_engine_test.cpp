@@ -1,3 +1,4 @@
+#include <chrono>
 #include <string>
 
 #include "tests/scenarios/front_panel_scenario.h"
@@ -7,6 +8,8 @@
 namespace scenarios {
 namespace {
 
+constexpr const char* ui_control_path = "/vgn_ui/vgn_ui_control";
+
 class RuntimeEngine : public FrontPanelScenario {
  protected:
   void run_process(const std::string& name) {
@@ -14,8 +17,8 @@ class RuntimeEngine : public FrontPanelScenario {
     panel().start_runtime_engine();
   }
 
-  void expect_design_has_screens() { expect_property("/vgn_ui/vgn_ui_control", "0"); }
-  void expect_ui_has_screens() { expect_property("/vgn_ui/vgn_ui_control", "1"); }
+  void expect_design_has_screens() { expect_property(ui_control_path, "0"); }
+  void expect_ui_has_screens() { expect_property(ui_control_path, "1"); }
 };
 
 TEST_F(RuntimeEngine, HasTheScreensWhileItsProcessLives) {
@@ -31,13 +34,20 @@ TEST_F(RuntimeEngine, HasTheScreensWhileItsProcessLives) {
 }
 
 TEST_F(RuntimeEngine, HasANameThatOneMoreCharacterMakesAnother) {
+  // The processes are looked at each second.
+  constexpr std::chrono::milliseconds some_looks{2500};
   start_daemon();
+  expect_ui_has_screens();
+  remote().set(ui_control_path, "a mark");
+  run_process("runtime_engine2");
+  expect_property("/sim/runtime_engine/process", "1");
+  const auto overwritten = remote().wait_property(
+      ui_control_path, [](const std::string& value) { return value != "a mark"; }, some_looks);
+  EXPECT_FALSE(overwritten) << overwritten.seen;
+  EXPECT_EQ(remote().value("/sim/runtime_engine/process"), "1") << "the other one still lives";
+  panel().stop_runtime_engine();
   run_process("runtime_engine");
   expect_design_has_screens();
-  panel().stop_runtime_engine();
-  run_process("runtime_engine2");
-  expect_ui_has_screens();
-  EXPECT_EQ(remote().value("/sim/runtime_engine/process"), "1") << "the other one still lives";
 }
 
 TEST_F(RuntimeEngine, ThatRunsBeforeTheDaemonGetsTheScreensAtTheStart) {
