@@ -41,6 +41,9 @@ struct due_lamp_t {
   led_t good;      ///< with a good design and a valid format
   led_t dimmed;    ///< the same, when the user has chosen "Dim"
   led_t flashing;  ///< the lit phase of id mode and of the reset key
+
+  /// Whether a design and the brightness setting make a difference.
+  bool shows_status() const { return good != idle; }
 };
 
 /// Model 106 has a lamp that shows the status too; those of the others only blink.

@@ -32,6 +32,8 @@ class front_panel_demo_t : public demo_t {
   void hold_reset_key();
 
   void expect_lamp(const led_t& due, const std::string& what);
+  /// Nothing where the lamp shows no status: it is dark anyway, which says nothing.
+  void expect_status_lamp(const led_t& due, const std::string& what);
   void expect_id_mode(const char* mode);
   void expect_screen(const char* screen);
 

@@ -99,6 +99,7 @@ TEST_P(DemoFrontPanel, TheLampOfTheModelBlinksAndGoesOffAgain) {
   const auto demo = run_demo({"--front-panel", "--model", GetParam()});
   EXPECT_EQ(demo.status, 0) << demo.output;
   EXPECT_THAT(demo.output, ContainsRegex(" \\+[0-9.]+  panel      light: white at 255, blinks every [0-9]+ ms"));
+  EXPECT_THAT(demo.output, Not(HasSubstr("brightness setting"))) << "which this lamp does not follow";
   EXPECT_THAT(demo.output, HasSubstr("lamp         off"));
 }
 

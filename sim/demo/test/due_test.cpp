@@ -48,6 +48,7 @@ TEST(Due, TheLampOfModel106ShowsTheStatus) {
   EXPECT_EQ(due.good, (sim::led_t{"green", 15, 0}));
   EXPECT_EQ(due.dimmed, (sim::led_t{"green", 5, 0}));
   EXPECT_EQ(due.flashing.colour, "green");
+  EXPECT_TRUE(due.shows_status());
 }
 
 TEST(Due, TheLampsOfTheOtherModelsOnlyBlink) {
@@ -56,5 +57,6 @@ TEST(Due, TheLampsOfTheOtherModelsOnlyBlink) {
     EXPECT_EQ(due.idle, sim::led_t{}) << model;
     EXPECT_EQ(due.good, sim::led_t{}) << model;
     EXPECT_EQ(due.flashing, (sim::led_t{"white", 255, 0})) << model;
+    EXPECT_FALSE(due.shows_status()) << model;
   }
 }
