@@ -94,9 +94,9 @@ struct device_node_t::shared_t : std::enable_shared_from_this<shared_t> {
 
   int answer(UMockdevIoctlClient* client);
   int answer_record(uint32_t request, UMockdevIoctlData* record);
-  int answer_value(uint32_t request, const UMockdevIoctlData* argument);
+  int answer_value(uint32_t request, const UMockdevIoctlData* argument, client_id_t client);
   bool takes_value(uint32_t request);
-  void count_clients(int change);
+  void count_client(client_id_t client, int change);
   /// What a read gives without any record: a negative errno, or 0 at the end; nothing if it is to give a record.
   std::optional<int> read_without_record();
   void drop_record() ZYL_REQUIRES(mutex);
@@ -129,30 +129,33 @@ bool device_node_t::shared_t::takes_value(uint32_t request) {
   return std::find(calls.value_requests.begin(), calls.value_requests.end(), request) != calls.value_requests.end();
 }
 
-int device_node_t::shared_t::answer_value(uint32_t request, const UMockdevIoctlData* argument) {
+int device_node_t::shared_t::answer_value(uint32_t request, const UMockdevIoctlData* argument, client_id_t client) {
   const auto size = std::min<size_t>(_IOC_SIZE(request), static_cast<size_t>(argument->data_len));
   std::vector<uint8_t> bytes(argument->data, argument->data + size);
   const zyl::lock_t lock(mutex);
-  return gone ? ENODEV : calls.request(request, bytes, [](size_t, std::span<const uint8_t>) { return false; });
+  return gone ? ENODEV : calls.value_request(request, bytes, client);
 }
 
 int device_node_t::shared_t::answer(UMockdevIoctlClient* client) {
   const auto request = static_cast<uint32_t>(umockdev_ioctl_client_get_request(client));
   if (takes_value(request)) {
-    return answer_value(request, umockdev_ioctl_client_get_arg(client));
+    return answer_value(request, umockdev_ioctl_client_get_arg(client), client);
   }
   const ioctl_data_t record = resolve(umockdev_ioctl_client_get_arg(client), 0, _IOC_SIZE(request));
   return record != nullptr ? answer_record(request, record.get()) : EFAULT;
 }
 
-void device_node_t::shared_t::count_clients(int change) {
+void device_node_t::shared_t::count_client(client_id_t client, int change) {
   const zyl::lock_t lock(mutex);
   const int before = clients;
   clients += change;
+  if (change < 0 && calls.closed) {
+    calls.closed(client);
+  }
   if (clients == 0 && !calls.keeps_records) {
     drain();
   }
-  if (!gone && calls.opened && (before == 0) != (clients == 0)) {
+  if (calls.opened && (before == 0) != (clients == 0)) {
     calls.opened(clients != 0);
   }
 }
@@ -224,13 +227,13 @@ struct device_node_t::callbacks_t {
   // The library has a signal "client-vanished" as well but, as of 0.17, never raises it.
   static void on_connected(UMockdevIoctlBase* /*handler*/, UMockdevIoctlClient* client, gpointer shared) {
     auto owner = std::make_unique<owner_t>(handed(shared)->shared_from_this());
-    (*owner)->count_clients(1);
+    (*owner)->count_client(client, 1);
     g_object_weak_ref(G_OBJECT(client), on_vanished, owner.release());
   }
 
-  static void on_vanished(gpointer owner, GObject* /*client*/) {
+  static void on_vanished(gpointer owner, GObject* client) {
     const std::unique_ptr<owner_t> owned(static_cast<owner_t*>(owner));
-    (*owned)->count_clients(-1);
+    (*owned)->count_client(client, -1);
   }
 };
 
@@ -254,8 +257,19 @@ device_node_t::device_node_t(testbed_t& testbed, const std::string& subsystem, c
 device_node_t::~device_node_t() {
   {
     const zyl::lock_t lock(shared->mutex);
-    shared->gone = true;
     shared->calls = {};
+  }
+  pull_out();
+}
+
+void device_node_t::pull_out() {
+  if (pulled_out) {
+    return;
+  }
+  pulled_out = true;
+  {
+    const zyl::lock_t lock(shared->mutex);
+    shared->gone = true;
     shared->wake_reader();
   }
   // So that a device of that name can come again; clients that have the node open keep their handler.
@@ -265,6 +279,11 @@ device_node_t::~device_node_t() {
   umockdev_testbed_remove_device(bed.handle(), sys_path.c_str());
   ::unlink((bed.root() + node).c_str());
   ::unlink(hidden_place().c_str());
+}
+
+bool device_node_t::is_open() const {
+  const zyl::lock_t lock(shared->mutex);
+  return shared->clients > 0;
 }
 
 void device_node_t::attach() {
@@ -304,7 +323,7 @@ std::string device_node_t::hidden_place() const {
   return bed.root() + "/removed" + name;
 }
 
-// The emulation never lets go of a node's handler while a client has it open, so the node is moved and not made anew.
+// Who has the node open keeps its handler until he closes it: a node made anew would not be his. So it is moved.
 void device_node_t::set_present(bool present) {
   {
     const zyl::lock_t lock(shared->mutex);

@@ -52,6 +52,7 @@ ktm5030_t::ktm5030_t(event_base* loop, testbed_t& bed, property_tree_t& properti
   tree.on_set("/sim/ktm5030/info", [this](const std::string& value) { set_info(value); });
   tree.on_set("/sim/ktm5030/event", [this](const std::string& value) { raise_event(value); });
   set_present(is_present);
+  tree.publish("/sim/ktm5030/event", "");
   publish();
 }
 
@@ -60,7 +61,7 @@ ktm5030_t::~ktm5030_t() {
   alive.reset();
 }
 
-// The node is made once, since the emulation never lets go of its handler.
+// The node is made once: who has it open when it goes meets the device again when it is back.
 void ktm5030_t::set_present(bool wanted) {
   if (wanted == present) {
     return;

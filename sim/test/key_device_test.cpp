@@ -75,6 +75,8 @@ TEST_F(KeyDevice, TellsItsPath) {
   EXPECT_EQ(tree.value("/sim/key/path"), "/dev/input/event0");
   EXPECT_EQ(tree.value("/sim/key/device"), "present");
   EXPECT_EQ(tree.value("/sim/key/open"), "0");
+  ASSERT_NE(tree.find("/sim/key/bytes"), nullptr);
+  EXPECT_EQ(tree.value("/sim/key/bytes"), "");
 }
 
 TEST_F(KeyDevice, GivesAReportForEachKeyInOneReadEach) {
@@ -112,18 +114,53 @@ TEST_F(KeyDevice, GivesAnyBytesAsOneRead) {
   EXPECT_FALSE(is_readable(node.get()));
 }
 
+TEST_F(KeyDevice, GivesMoreThan32EventsInSeveralReads) {
+  const auto node = open_keys();
+  std::string hex;
+  for (int i = 0; i < 768; ++i) {
+    hex += "2a";
+  }
+  tree.set("/sim/key/bytes", hex + hex + "61");
+  EXPECT_EQ(read_once(node.get()), std::optional(std::string(768, '*')));
+  EXPECT_EQ(read_once(node.get()), std::optional(std::string(768, '*')));
+  EXPECT_EQ(read_once(node.get()), std::optional(std::string("a")));
+  EXPECT_FALSE(is_readable(node.get()));
+}
+
 TEST_F(KeyDevice, TellsWhatAProgramAsksTheDeviceFor) {
   const auto node = open_keys();
-  ASSERT_EQ(ioctl(node.get(), EVIOCGRAB, 0), 0);
-  EXPECT_TRUE(property_becomes("/sim/key/grab", "0"));
   ASSERT_EQ(ioctl(node.get(), EVIOCGRAB, 1), 0);
   EXPECT_TRUE(property_becomes("/sim/key/grab", "1"));
+  ASSERT_EQ(ioctl(node.get(), EVIOCGRAB, 0), 0);
+  EXPECT_TRUE(property_becomes("/sim/key/grab", "0"));
   std::array<unsigned int, 2> repeat{400, 80};
   ASSERT_EQ(ioctl(node.get(), EVIOCSREP, repeat.data()), 0);
   EXPECT_TRUE(property_becomes("/sim/key/repeat", "400 80"));
   int version = 0;
   EXPECT_EQ(ioctl(node.get(), EVIOCGVERSION, &version), -1);
   EXPECT_EQ(errno, ENOTTY);
+}
+
+TEST_F(KeyDevice, AGrabThatNobodyHoldsCannotBeGivenUp) {
+  const auto node = open_keys();
+  EXPECT_EQ(ioctl(node.get(), EVIOCGRAB, 0), -1);
+  EXPECT_EQ(errno, EINVAL);
+  EXPECT_TRUE(property_becomes("/sim/key/grab", "0"));
+}
+
+TEST_F(KeyDevice, AGrabIsOneClientsAndEndsWithIt) {
+  const auto node = open_keys();
+  {
+    const sim::descriptor_t other(open(sim::key_device_t::path, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    ASSERT_EQ(ioctl(other.get(), EVIOCGRAB, 1), 0);
+    EXPECT_EQ(ioctl(other.get(), EVIOCGRAB, 1), -1);
+    EXPECT_EQ(errno, EBUSY);
+    EXPECT_EQ(ioctl(node.get(), EVIOCGRAB, 1), -1);
+    EXPECT_EQ(errno, EBUSY);
+    EXPECT_EQ(ioctl(node.get(), EVIOCGRAB, 0), -1);
+    EXPECT_EQ(errno, EINVAL);
+  }
+  EXPECT_TRUE(test_support::loop_until(loop.base(), [&] { return ioctl(node.get(), EVIOCGRAB, 1) == 0; }));
 }
 
 TEST_F(KeyDevice, OnePulledOutFailsEveryReadAndCanComeBack) {
@@ -135,12 +172,40 @@ TEST_F(KeyDevice, OnePulledOutFailsEveryReadAndCanComeBack) {
     EXPECT_EQ(errno, ENODEV);
     EXPECT_EQ(open(sim::key_device_t::path, O_RDONLY | O_CLOEXEC), -1);
     tree.set("/sim/key/id", "press");
-    EXPECT_TRUE(property_becomes("/sim/key/open", "0"));
+    EXPECT_EQ(tree.value("/sim/key/open"), "1");
   }
+  EXPECT_TRUE(property_becomes("/sim/key/open", "0"));
   tree.set("/sim/key/device", "present");
   const auto node = open_keys();
   tree.set("/sim/key/id", "press");
   EXPECT_EQ(read_events(node.get()).size(), 2U);
+}
+
+TEST_F(KeyDevice, OneThatComesBackIsAnotherOneThanThatPulledOut) {
+  auto old = open_keys();
+  ASSERT_EQ(ioctl(old.get(), EVIOCGRAB, 1), 0);
+  tree.set("/sim/key/device", "gone");
+  tree.set("/sim/key/device", "present");
+  EXPECT_EQ(tree.value("/sim/key/open"), "1");
+  const auto node = open_keys();
+  EXPECT_EQ(ioctl(node.get(), EVIOCGRAB, 1), 0);
+  tree.set("/sim/key/id", "press");
+  EXPECT_EQ(read_once(old.get()), std::nullopt);
+  EXPECT_EQ(errno, ENODEV);
+  EXPECT_TRUE(test_support::loop_until(loop.base(), [&] { return is_readable(node.get()); }));
+  EXPECT_EQ(read_events(node.get()).size(), 2U);
+}
+
+TEST_F(KeyDevice, AStateThatItDoesNotKnowChangesNothing) {
+  const auto node = open_keys();
+  tree.set("/sim/key/device", "broken");
+  EXPECT_EQ(tree.value("/sim/key/device"), "present");
+  EXPECT_FALSE(is_readable(node.get()));
+  tree.set("/sim/key/device", "gone");
+  tree.set("/sim/key/device", "broken");
+  EXPECT_EQ(tree.value("/sim/key/device"), "gone");
+  EXPECT_EQ(open(sim::key_device_t::path, O_RDONLY | O_CLOEXEC), -1);
+  EXPECT_THAT(sim::text_of_file("/tmp/story"), HasSubstr("key device cannot be \"broken\""));
 }
 
 TEST_F(KeyDevice, AtItsEndEachWakeUpReadsAnEndOfFile) {

@@ -104,6 +104,11 @@ TEST_F(SimulatedKtm5030, KeepsItsEventsUntilSomebodyLooks) {
   EXPECT_EQ(lnx::ktm5030_poll_events(status), 0U);
 }
 
+TEST_F(SimulatedKtm5030, TellsFromTheStartThatItTakesEvents) {
+  ASSERT_NE(tree.find("/sim/ktm5030/event"), nullptr);
+  EXPECT_EQ(tree.value("/sim/ktm5030/event"), "");
+}
+
 TEST_F(SimulatedKtm5030, GivesNoEventWhereAPropertyIsNoCode) {
   const std::string before = told();
   for (const char* text : {"", "none", "-1", "4294967296", "0 1", "0x1", " 1"}) {
