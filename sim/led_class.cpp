@@ -29,7 +29,7 @@ written_e led_class_t::write(std::string_view attribute, std::string_view text, 
   const light_t before = light(now_ms);
   const bool taken = apply(attribute, text, now_ms);
   if (light(now_ms) != before) {
-    return written_e::changed;
+    return taken ? written_e::changed : written_e::refused_but_changed;
   }
   return taken ? written_e::same : written_e::refused;
 }
@@ -48,16 +48,18 @@ bool led_class_t::apply(std::string_view attribute, std::string_view text, int64
 }
 
 void led_class_t::start(int64_t now_ms) {
-  if (!pattern.steps.empty()) {
+  if (!pattern.steps.empty() && pattern.repeat != 0) {
     started_ms = now_ms;
     ends_ms = end_of(pattern);
   }
 }
 
-// The light stays as it is at that moment.
+// The light stays as it is at that moment, and so does the count of what was still to be played.
 void led_class_t::stop(int64_t now_ms) {
   if (started_ms) {
-    brightness = brightness_at(pattern, now_ms - *started_ms);
+    const played_t played = played_until(pattern, now_ms - *started_ms);
+    brightness = played.brightness;
+    pattern.repeat = played.repeats_left;
   }
   started_ms.reset();
 }
@@ -111,7 +113,7 @@ bool led_class_t::set_brightness(std::string_view text, int64_t now_ms) {
     remove_trigger();
   }
   if (!plays(now_ms)) {
-    started_ms.reset();
+    stop(now_ms);
     brightness = *level;
   }
   return true;

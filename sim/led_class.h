@@ -13,7 +13,9 @@ namespace sim {
 enum class written_e {
   refused,  ///< a driver fails such a write
   same,     ///< taken, and the light is what it was
-  changed   ///< taken, and the light is another
+  changed,  ///< taken, and the light is another
+  /// A driver fails such a write, and the light is another: a pattern that is refused ends the one that played.
+  refused_but_changed
 };
 
 /// An LED of the kernel's class "leds", of brightness 0 to 255, with the triggers "none" and "pattern". A value: times
@@ -21,7 +23,8 @@ enum class written_e {
 ///
 ///   trigger     "none" or "pattern"; each write of one ends the other and its pattern, and what was on goes off
 ///   repeat      how often the pattern plays, -1 for ever, which it is at first; starts the pattern anew
-///   pattern     starts to play; a newline clears it, and the light stays at the level that it happens to have
+///   pattern     starts to play as often as the one before it still had to, so not at all after one that has ended; a
+///               newline clears it, and the light stays at the level that it happens to have
 ///   brightness  a level; 0 ends the trigger. A pattern that plays goes on with its next level
 ///
 /// "repeat" and "pattern" are refused without the trigger "pattern".

@@ -17,6 +17,11 @@ bool looks_alike(const look_t& a, const look_t& b) {
   return colour_text(a) == colour_text(b) && a.light.brightness == b.light.brightness && same_pace;
 }
 
+/// A newline clears a pattern to be sure, also where there can be none: on an appliance there is no such file then.
+bool only_clears(const std::string& file, const std::string& text) {
+  return file.ends_with("/pattern") && text == "\n";
+}
+
 }  // namespace
 
 led_panel_t::led_panel_t(event_base* base, const testbed_t& testbed, property_tree_t& properties, story_t& told_story,
@@ -29,18 +34,29 @@ led_panel_t::led_panel_t(event_base* base, const testbed_t& testbed, property_tr
       look_again(base, -1, true) {
   look_again.expired.connect([this] { look(); });
   tree.on_set("/sim/led/driver", [this](const std::string& wanted) { set_driver(wanted); });
-  set_driver("present");
+  renew_lamp();
   tree.publish("/sim/led/driver", "present");
   tree.publish("/sim/led/changes", "0");
+  tree.publish("/sim/led/refused", "0");
+}
+
+void led_panel_t::set_driver(const std::string& wanted) {
+  if (wanted == "present" || wanted == "absent") {
+    has_driver = wanted == "present";
+    renew_lamp();
+  } else {
+    story.tell("panel", "LED driver cannot be \"", {wanted, "\""});
+    tree.publish("/sim/led/driver", has_driver ? "present" : "absent");
+  }
 }
 
 // A driver that goes or comes leaves the lamp dark.
-void led_panel_t::set_driver(const std::string& wanted) {
+void led_panel_t::renew_lamp() {
   for (const auto& file : lamp->files()) {
     files.remove(file);
   }
   lamp = make_lamp(model);
-  if (wanted == "present") {
+  if (has_driver) {
     for (const auto& file : lamp->files()) {
       files.add(file);
     }
@@ -51,11 +67,12 @@ void led_panel_t::set_driver(const std::string& wanted) {
 void led_panel_t::take(const std::string& file, const std::string& text) {
   tree.publish("/sim/led/written" + file, text);
   const written_e result = lamp->write(file, text, zyl::now_ms());
-  // A newline clears a pattern to be sure, also where there can be none.
-  if (result == written_e::refused && text != "\n") {
+  const bool is_refused = result == written_e::refused || result == written_e::refused_but_changed;
+  if (is_refused && !only_clears(file, text)) {
     story.tell("panel", file, {" refuses \"", text, "\""});
+    tree.publish("/sim/led/refused", std::to_string(++refused));
   }
-  if (result == written_e::changed) {
+  if (result == written_e::changed || result == written_e::refused_but_changed) {
     tree.publish("/sim/led/changes", std::to_string(++changes));
   }
   look();

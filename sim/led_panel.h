@@ -21,6 +21,8 @@ namespace sim {
 ///   "/sim/led/blink"       "steady", or the period in ms, on and off together
 ///   "/sim/led/looks"       all in one: "off", "blue at 15, steady", "green at 15, blinks every 1000 ms"
 ///   "/sim/led/changes"     how many writes have made the light another one
+///   "/sim/led/refused"     how many writes a driver would have failed: a pattern without the trigger, a level that is
+///                          no number and such; not the newline that clears a pattern, also where there can be none
 ///   "/sim/led/written/..." the last text that each file was given, as in "/sim/led/written/proc/tarn/pwm-0/period"
 ///   "/sim/led/driver"      "present"; set it to "absent" to take the files away, and to "present" to bring them back:
 ///                          in both cases the lamp is dark
@@ -41,6 +43,7 @@ class led_panel_t {
 
  private:
   void set_driver(const std::string& wanted);
+  void renew_lamp();
   void take(const std::string& file, const std::string& text);
   void look();
   void tell(const look_t& look);
@@ -53,6 +56,8 @@ class led_panel_t {
   zyl::sigc_timer_t look_again;
   look_t told{"off", {}};
   uint64_t changes = 0;
+  uint64_t refused = 0;
+  bool has_driver = true;
 };
 
 }  // namespace sim

@@ -105,6 +105,10 @@ pattern_player_t::level_t pattern_player_t::dim() {
 }
 
 uint32_t brightness_at(const pattern_t& pattern, int64_t after_ms) {
+  return played_until(pattern, after_ms).brightness;
+}
+
+played_t played_until(const pattern_t& pattern, int64_t after_ms) {
   pattern_player_t player(pattern);
   uint32_t brightness = 0;
   for (int64_t time_ms = 0; time_ms <= after_ms;) {
@@ -115,7 +119,7 @@ uint32_t brightness_at(const pattern_t& pattern, int64_t after_ms) {
     brightness = level->brightness;
     time_ms += level->duration_ms;
   }
-  return brightness;
+  return {brightness, player.repeats()};
 }
 
 light_t light_of(const pattern_t& pattern) {

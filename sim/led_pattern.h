@@ -54,6 +54,9 @@ class pattern_player_t {
   /// Where it stands: what follows depends on this alone, as long as the pattern repeats for ever.
   std::pair<std::size_t, int64_t> position() const { return {current, elapsed_ms}; }
 
+  /// How often the pattern is still to be begun or gone on with; -1 for ever.
+  int32_t repeats() const { return repeats_left; }
+
  private:
   const pattern_step_t& step() const { return pattern.steps[current]; }
   const pattern_step_t& following() const { return pattern.steps[(current + 1) % pattern.steps.size()]; }
@@ -67,7 +70,16 @@ class pattern_player_t {
   int32_t repeats_left;
 };
 
-/// The brightness at a time after the start.
+/// Where a pattern has come to.
+struct played_t {
+  uint32_t brightness = 0;
+  int32_t repeats_left = 0;  ///< as in `pattern_player_t::repeats`; the last level of a round counts for the next one
+};
+
+/// What there is at a time after the start.
+played_t played_until(const pattern_t& pattern, int64_t after_ms);
+
+/// The brightness of `played_until`.
 uint32_t brightness_at(const pattern_t& pattern, int64_t after_ms);
 
 /// What the pattern looks like while it plays. One that has no end in sight counts as steady.

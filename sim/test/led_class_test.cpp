@@ -86,7 +86,7 @@ TEST_F(LedClass, ANewlineLeavesTheLightAtTheLevelOfThatMoment) {
 
 TEST_F(LedClass, ARefusedPatternEndsTheOldOne) {
   blink();
-  EXPECT_EQ(write("pattern", "15 500"), written_e::changed);
+  EXPECT_EQ(write("pattern", "15 500"), written_e::refused_but_changed);
   EXPECT_EQ(light(), (light_t{15, 0}));
   EXPECT_EQ(write("pattern", "15"), written_e::refused);
 }
@@ -115,6 +115,42 @@ TEST_F(LedClass, ACountedPatternEndsByItself) {
   EXPECT_EQ(led.changes_at_ms(now_ms), std::nullopt);
   EXPECT_EQ(write("brightness", "3"), written_e::changed);
   EXPECT_EQ(light(), (light_t{3, 0}));
+}
+
+TEST_F(LedClass, AfterACountedPatternANewOneWaitsForItsRepeat) {
+  write("trigger", "pattern");
+  write("repeat", "1");
+  write("pattern", square);
+  now_ms += 1000;
+  EXPECT_EQ(light(), light_t{});
+  EXPECT_EQ(write("pattern", "9 100 9 0 0 100 0 0"), written_e::same);
+  EXPECT_EQ(light(), light_t{});
+  EXPECT_EQ(led.changes_at_ms(now_ms), std::nullopt);
+  EXPECT_EQ(write("brightness", "3"), written_e::changed);
+  EXPECT_EQ(write("pattern", square), written_e::same);
+  EXPECT_EQ(light(), (light_t{3, 0}));
+  EXPECT_EQ(write("repeat", "2"), written_e::changed);
+  EXPECT_EQ(light(), (light_t{15, 1000}));
+  EXPECT_EQ(led.changes_at_ms(now_ms), std::optional<int64_t>(now_ms + 2000));
+}
+
+TEST_F(LedClass, ABrightnessAfterACountedPatternDoesNotBringItsRepeatBack) {
+  write("trigger", "pattern");
+  write("repeat", "1");
+  write("pattern", square);
+  now_ms += 1000;
+  write("brightness", "3");
+  EXPECT_EQ(write("pattern", square), written_e::same);
+  EXPECT_EQ(light(), (light_t{3, 0}));
+}
+
+TEST_F(LedClass, ANewPatternPlaysAsOftenAsTheOldOneStillHadTo) {
+  write("trigger", "pattern");
+  write("repeat", "3");
+  write("pattern", square);
+  now_ms += 1200;
+  write("pattern", "9 100 9 0 0 100 0 0");
+  EXPECT_EQ(led.changes_at_ms(now_ms), std::optional<int64_t>(now_ms + 400));
 }
 
 TEST_F(LedClass, AnotherRepeatStartsThePatternAnew) {

@@ -63,6 +63,7 @@ TEST_F(LedPanel, IsOffAtFirst) {
   EXPECT_EQ(value("brightness"), "0");
   EXPECT_EQ(value("blink"), "steady");
   EXPECT_EQ(value("changes"), "0");
+  EXPECT_EQ(value("refused"), "0");
   EXPECT_EQ(value("driver"), "present");
 }
 
@@ -83,6 +84,7 @@ TEST_F(LedPanel, GoesFromBlinkingToASteadyLight) {
   write({{green + "pattern", "\n"}, {green + "brightness", "0"}, {blue + "pattern", "\n"}, {blue + "brightness", "5"}});
   EXPECT_EQ(value("looks"), "blue at 5, steady");
   EXPECT_THAT(sim::text_of_file("/tmp/story"), Not(HasSubstr("refuses")));
+  EXPECT_EQ(value("refused"), "0");
 }
 
 TEST_F(LedPanel, ACountedPatternEndsWithoutAWrite) {
@@ -96,6 +98,18 @@ TEST_F(LedPanel, TellsWhatTheDriverRefuses) {
   write({{blue + "pattern", "15 500 0 500"}});
   EXPECT_EQ(value("looks"), "off");
   EXPECT_THAT(sim::text_of_file("/tmp/story"), HasSubstr("blue:status/pattern refuses \"15 500 0 500\""));
+  EXPECT_EQ(value("refused"), "1");
+}
+
+TEST_F(LedPanel, CountsWhatTheDriverRefuses) {
+  use(106);
+  write({{blue + "repeat", "-1"}, {blue + "trigger", "disco"}, {blue + "brightness", "\n"}});
+  EXPECT_EQ(value("refused"), "3");
+  write({{blue + "trigger", "pattern"}, {blue + "pattern", "15 500 15 0 0 500 0 0"}});
+  EXPECT_EQ(value("changes"), "1");
+  write({{blue + "pattern", "15 500"}});
+  EXPECT_EQ(value("refused"), "4");
+  EXPECT_EQ(value("changes"), "2");
 }
 
 TEST_F(LedPanel, ThePwmLampBlinksAndEndsByItself) {
@@ -115,6 +129,15 @@ TEST_F(LedPanel, ThePlainLampIsWhite) {
   write({{"/sys/class/leds/id_led/brightness", "255"}});
   EXPECT_EQ(value("looks"), "white at 255, steady");
   EXPECT_EQ(value("written/sys/class/leds/id_led/brightness"), "255");
+}
+
+TEST_F(LedPanel, ADriverThatIsNeitherThereNorMissingChangesNothing) {
+  use(137);
+  tree.set("/sim/led/driver", "absent");
+  tree.set("/sim/led/driver", "loaded");
+  EXPECT_EQ(value("driver"), "absent");
+  EXPECT_FALSE(std::ifstream("/sys/class/leds/id_led/brightness").is_open());
+  EXPECT_THAT(sim::text_of_file("/tmp/story"), HasSubstr("LED driver cannot be \"loaded\""));
 }
 
 TEST_F(LedPanel, TheDriverCanBeMissingAndCome) {
