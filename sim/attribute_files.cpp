@@ -54,11 +54,21 @@ void attribute_files_t::remove(const std::string& path) {
   unlink((root + path).c_str());
   // Without its last attribute the folder goes too: nobody can make a file there, no more than in sysfs.
   rmdir(std::filesystem::path(root + path).parent_path().c_str());
-  // Somebody's open may wait for it.
-  file_t file = std::move(found->second);
+  forget(found->second);
   waiting.erase(found);
+  std::erase_if(opened, [this, &path](const auto& entry) {
+    const bool is_it = entry.second.path == path;
+    if (is_it) {
+      forget(entry.second);
+    }
+    return is_it;
+  });
+}
+
+// Somebody's open may wait for the end of the lease, and then gets a file that nobody hears.
+void attribute_files_t::forget(const file_t& file) {
+  inotify_rm_watch(notifier.get(), file.watch);
   fcntl(file.descriptor.get(), F_SETLEASE, F_UNLCK);
-  opened.emplace(file.watch, std::move(file));
 }
 
 // A lease for reading is broken by whoever opens for writing. The file comes to its place complete, so that nobody

@@ -17,6 +17,9 @@ namespace sim {
 /// holds is taken when it is closed. So the process of the loop itself must not open one of them for writing: it would
 /// wait for itself until the kernel gives up, also from another thread, as the emulation locks whatever opens a file.
 ///
+/// Programs that open one at the same moment get the same file, though: what the others write after the first of them
+/// has closed it is lost.
+///
 /// What is written between an open and its close counts as one text; an empty one counts as none. Reading gives
 /// nothing. Uses SIGIO of the process. Loop thread only.
 class attribute_files_t {
@@ -36,7 +39,8 @@ class attribute_files_t {
   /// Makes the file and the folders that lead to it. Throws `std::system_error`.
   void add(const std::string& path);
 
-  /// Takes the file away, and with the last file its folder. Nothing happens if there is none.
+  /// Takes the file away, and with the last file its folder. What somebody who has it open, or waits for that, then
+  /// writes is lost. Nothing happens if there is none.
   void remove(const std::string& path);
 
  private:
@@ -51,6 +55,7 @@ class attribute_files_t {
   void let_openers_in();
   void take_closed();
   void take(int watch);
+  void forget(const file_t& file);
   file_t put_new(const std::string& path);
 
   std::string root;

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -104,6 +105,46 @@ TEST_F(AttributeFiles, CanBeTakenAwayAndBroughtBack) {
   files.add("/led/a");
   run("printf 1 >led/a", 1);
   EXPECT_THAT(written, ElementsAre(Pair("/led/a", "1")));
+}
+
+TEST_F(AttributeFiles, OneThatIsTakenAwayWhileItIsOpenIsNotHeard) {
+  files.add("/a");
+  std::filesystem::create_directory("/tmp/steps");
+  sim::child_process_t shell({"sh", "-ec",
+                              "{ mkdir /tmp/steps/open; while [ ! -d /tmp/steps/removed ]; do :; done; printf 1; }"
+                              " >/tmp/root/a"});
+  EXPECT_TRUE(test_support::loop_until(loop.base(), [] { return std::filesystem::exists("/tmp/steps/open"); }));
+  files.remove("/a");
+  files.add("/a");
+  std::filesystem::create_directory("/tmp/steps/removed");
+  EXPECT_TRUE(test_support::loop_until(loop.base(), [&] { return !shell.running(); }));
+  EXPECT_EQ(shell.wait({}), std::optional(0));
+  run("printf 2 >a", 1);
+  EXPECT_THAT(written, ElementsAre(Pair("/a", "2")));
+}
+
+TEST_F(AttributeFiles, OneThatIsTakenAwayLetsThoseInWhoWaitForIt) {
+  files.add("/a");
+  sim::child_process_t shell({"sh", "-c", "mkdir /tmp/about_to_open; printf 1 >/tmp/root/a"});
+  while (!std::filesystem::exists("/tmp/about_to_open")) {
+    ASSERT_TRUE(shell.running());
+  }
+  files.remove("/a");
+  EXPECT_TRUE(test_support::loop_until(loop.base(), [&] { return !shell.running(); }));
+  EXPECT_THAT(written, IsEmpty());
+}
+
+TEST_F(AttributeFiles, NothingStaysOpenOfThoseThatAreTakenAway) {
+  const auto open_files = [] {
+    const std::filesystem::directory_iterator entries("/proc/self/fd");
+    return std::distance(begin(entries), end(entries));
+  };
+  const auto before = open_files();
+  for (int i = 0; i < 10; ++i) {
+    files.add("/a");
+    files.remove("/a");
+  }
+  EXPECT_EQ(open_files(), before);
 }
 
 TEST_F(AttributeFiles, NobodyCanMakeAFileWhereTheLastOneWas) {
