@@ -26,7 +26,7 @@ appliance_t::appliance_t(const model_t& model, const std::string& story_file)
       screen(tree, story, model.output_count),
       leds(loop.base(), testbed, tree, story, model.id),
       keys(loop.base(), testbed, tree, story),
-      brightness_setting(tree, story),
+      brightness_setting(loop.base(), tree, story),
       reset_script(loop.base(), tree, story),
       runtime_engine(loop.base(), testbed, tree, story) {
   publish_identity(tree, model);

@@ -69,7 +69,7 @@ class front_panel_t {
   outcome_t expect_led_written(const std::string& file, const std::string& text, limit_t limit = generous_limit);
   /// With false, the lamp's files are missing, as with a driver that is not loaded.
   void set_led_driver(bool present) { remote.set("/sim/led/driver", present ? "present" : "absent"); }
-  /// The user's choice: "Off", "Dim", "Bright", or any text.
+  /// The user's choice: "Off", "Dim", "Bright", or any text; "absent" takes its file away.
   void set_brightness_setting(const std::string& text) { remote.set("/sim/led/setting", text); }
 
   // --- factory reset script ---

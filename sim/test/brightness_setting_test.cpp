@@ -11,6 +11,8 @@
 
 #include "sim/descriptor.h"
 #include "sim/test/text_of_file.h"
+#include "test_support/loop_until.h"
+#include "zyl/event_loop.h"
 
 using testing::HasSubstr;
 
@@ -20,14 +22,43 @@ constexpr const char* path = "/var/rwfs2/led_brightness";
 
 class BrightnessSetting : public testing::Test {
  protected:
+  bool becomes(const char* value) {
+    return test_support::loop_until(loop.base(), [&] { return tree.value("/sim/led/setting") == value; });
+  }
+
+  zyl::event_loop_t loop;
   sim::property_tree_t tree;
   sim::story_t story{"/tmp/story"};
-  sim::brightness_setting_t setting{tree, story};
+  sim::brightness_setting_t setting{loop.base(), tree, story};
 };
 
 }  // namespace
 
-TEST_F(BrightnessSetting, HasNoFileBeforeTheFirstChoice) { EXPECT_FALSE(std::filesystem::exists(path)); }
+TEST_F(BrightnessSetting, HasNoFileBeforeTheFirstChoice) {
+  EXPECT_FALSE(std::filesystem::exists(path));
+  EXPECT_EQ(tree.value("/sim/led/setting"), "absent");
+}
+
+TEST_F(BrightnessSetting, FollowsTheFile) {
+  std::ofstream(path).close();
+  EXPECT_TRUE(becomes(""));
+  std::ofstream(path) << "Dim\n";
+  EXPECT_TRUE(becomes("Dim"));
+  std::ofstream("/var/rwfs2/next") << "Bright";
+  std::filesystem::rename("/var/rwfs2/next", path);
+  EXPECT_TRUE(becomes("Bright"));
+  std::filesystem::remove(path);
+  EXPECT_TRUE(becomes("absent"));
+}
+
+TEST_F(BrightnessSetting, CanBeTakenAway) {
+  tree.set("/sim/led/setting", "absent");
+  tree.set("/sim/led/setting", "Dim");
+  tree.set("/sim/led/setting", "absent");
+  EXPECT_FALSE(std::filesystem::exists(path));
+  EXPECT_EQ(tree.value("/sim/led/setting"), "absent");
+  EXPECT_THAT(sim::text_of_file("/tmp/story"), HasSubstr("\tpanel\tbrightness setting is removed\n"));
+}
 
 TEST_F(BrightnessSetting, IsWrittenToItsFile) {
   tree.set("/sim/led/setting", "Bright");
@@ -51,8 +82,9 @@ TEST_F(BrightnessSetting, IsWrittenInPlace) {
 }
 
 TEST_F(BrightnessSetting, AFileThatCannotBeWrittenIsTold) {
-  const sim::brightness_setting_t nowhere(tree, story, "/tmp/folder/file");
+  const sim::brightness_setting_t nowhere(loop.base(), tree, story, "/tmp/folder/file");
   std::filesystem::remove("/tmp/folder");
   tree.set("/sim/led/setting", "Dim");
   EXPECT_THAT(sim::text_of_file("/tmp/story"), HasSubstr("cannot write /tmp/folder/file"));
+  EXPECT_EQ(tree.value("/sim/led/setting"), "absent");
 }
