@@ -46,6 +46,7 @@ reset_script_t::reset_script_t(event_base* loop, property_tree_t& properties, st
   set_script("present");
   tree.publish("/sim/reset/script", "present");
   tree.publish("/sim/reset/does", does);
+  tree.publish("/sim/reset/end", "");
   tree.publish("/sim/reset/starts", "0");
   tree.publish("/sim/reset/arguments", "");
   publish_running();
@@ -57,6 +58,11 @@ reset_script_t::reset_script_t(event_base* loop, property_tree_t& properties, st
 reset_script_t::~reset_script_t() { unlink(reset_script_path); }
 
 void reset_script_t::set_script(const std::string& wanted) {
+  if (wanted != "present" && wanted != "missing") {
+    story.tell("reset", "script cannot be \"", {wanted, "\""});
+    tree.publish("/sim/reset/script", std::filesystem::exists(reset_script_path) ? "present" : "missing");
+    return;
+  }
   const std::filesystem::path script(reset_script_path);
   std::filesystem::create_directories(script.parent_path());
   std::filesystem::remove(script);
@@ -68,6 +74,7 @@ void reset_script_t::set_script(const std::string& wanted) {
 void reset_script_t::set_behaviour(const std::string& wanted) {
   if (wanted != "runs" && !is_script_ending(wanted)) {
     story.tell("reset", "script cannot \"", {wanted, "\""});
+    tree.publish("/sim/reset/does", does);
     return;
   }
   does = wanted;

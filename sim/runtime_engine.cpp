@@ -47,7 +47,16 @@ runtime_engine_t::runtime_engine_t(event_base* loop, const testbed_t& bed, prope
     : base(loop), testbed(bed), tree(properties), story(told_story) {
   tree.publish(process_property, "0");
   tree.publish(name_property, "runtime_engine");
-  tree.on_set(process_property, [this](const std::string& wanted) { run(wanted == "1"); });
+  tree.on_set(process_property, [this](const std::string& wanted) { set_process(wanted); });
+}
+
+void runtime_engine_t::set_process(const std::string& wanted) {
+  if (wanted == "1" || wanted == "0") {
+    run(wanted == "1");
+    return;
+  }
+  story.tell("appliance", "runtime engine's process cannot be \"", {wanted, "\""});
+  tree.publish(process_property, process ? "1" : "0");
 }
 
 void runtime_engine_t::run(bool wanted) {
@@ -63,19 +72,24 @@ void runtime_engine_t::start() {
   try {
     process.emplace(std::vector<std::string>{program_of(name), "infinity"},
                     child_process_t::options_t{{}, "/dev/null"});
+    wait_for_name(*process, name);
+    show_process();
   } catch (const std::exception& error) {
     story.tell("appliance", error.what());
+    process.reset();
     return;
-  }
-  wait_for_name(*process, name);
-  if (const std::string proc = testbed.root() + "/proc"; std::filesystem::exists(proc)) {
-    const std::string id = std::to_string(process->pid());
-    proc_link = proc + "/" + id;
-    std::filesystem::create_symlink("/proc/" + id, proc_link);
   }
   ended.reset(event_new(base, process->descriptor(), EV_READ, on_ended, this));
   event_add(ended.get(), nullptr);
   story.tell("appliance", "process ", {name, " starts"});
+}
+
+void runtime_engine_t::show_process() {
+  if (const std::string proc = testbed.root() + "/proc"; std::filesystem::exists(proc)) {
+    const std::string id = std::to_string(process->pid());
+    std::filesystem::create_symlink("/proc/" + id, proc + "/" + id);
+    proc_link = proc + "/" + id;
+  }
 }
 
 void runtime_engine_t::end() {

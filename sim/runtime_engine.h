@@ -33,8 +33,10 @@ class runtime_engine_t {
 
  private:
   static void on_ended(evutil_socket_t fd, short events, void* self);
+  void set_process(const std::string& wanted);
   void run(bool wanted);
   void start();
+  void show_process();
   void end();
 
   event_base* base;

@@ -104,8 +104,24 @@ TEST_F(ResetScript, WordsThatItDoesNotKnowChangeNothing) {
   tree.set("/sim/reset/does", "exits 2");
   tree.set("/sim/reset/does", "sleeps");
   tree.set("/sim/reset/end", "sleeps");
+  EXPECT_EQ(tree.value("/sim/reset/does"), "exits 2");
   EXPECT_EQ(run(), 2);
   EXPECT_THAT(sim::text_of_file("/tmp/story"), HasSubstr("script cannot \"sleeps\""));
+}
+
+TEST_F(ResetScript, IsEitherPresentOrMissing) {
+  tree.set("/sim/reset/script", "gone");
+  EXPECT_EQ(tree.value("/sim/reset/script"), "present");
+  EXPECT_TRUE(std::filesystem::exists(sim::reset_script_path));
+  tree.set("/sim/reset/script", "missing");
+  tree.set("/sim/reset/script", "gone");
+  EXPECT_EQ(tree.value("/sim/reset/script"), "missing");
+  EXPECT_THAT(sim::text_of_file("/tmp/story"), HasSubstr("script cannot be \"gone\""));
+}
+
+TEST_F(ResetScript, TellsFromTheStartThatItCanBeEnded) {
+  ASSERT_NE(tree.find("/sim/reset/end"), nullptr);
+  EXPECT_EQ(tree.value("/sim/reset/end"), "");
 }
 
 TEST_F(ResetScript, AMissingOneCannotBeStarted) {

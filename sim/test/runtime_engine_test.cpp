@@ -5,6 +5,7 @@
 #include <signal.h>
 
 #include <filesystem>
+#include <fstream>
 #include <optional>
 #include <string>
 
@@ -93,6 +94,26 @@ TEST_F(RuntimeEngine, OneThatIsKilledIsToldAsEnded) {
   EXPECT_TRUE(test_support::loop_until(loop.base(), [this] { return runs() == "0"; }));
   run("1");
   EXPECT_EQ(runs(), "1");
+}
+
+TEST_F(RuntimeEngine, EitherRunsOrNot) {
+  make();
+  run("1");
+  run("yes");
+  EXPECT_EQ(runs(), "1");
+  EXPECT_EQ(processes_named("runtime_engine", "/proc").size(), 1U);
+  run("0");
+  run("yes");
+  EXPECT_EQ(runs(), "0");
+  EXPECT_THAT(sim::text_of_file("/tmp/story"), HasSubstr("process cannot be \"yes\""));
+}
+
+TEST_F(RuntimeEngine, OneThatCannotBeShownDoesNotRun) {
+  std::ofstream(testbed.root() + "/proc") << "no folder";
+  make();
+  run("1");
+  EXPECT_EQ(runs(), "0");
+  EXPECT_TRUE(processes_named("runtime_engine", "/proc").empty());
 }
 
 TEST_F(RuntimeEngine, EndsWithItsOwner) {
