@@ -85,6 +85,12 @@ child_process_t::child_process_t(const std::vector<std::string>& command, const 
     throw std::system_error(error, std::generic_category(), "cannot start " + words[0]);
   }
   process_descriptor = descriptor_t(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
+  if (!process_descriptor) {
+    const int reason = errno;
+    kill(process, SIGKILL);
+    waitpid(process, nullptr, 0);
+    throw std::system_error(reason, std::generic_category(), "cannot watch " + words[0]);
+  }
 }
 
 child_process_t::~child_process_t() {

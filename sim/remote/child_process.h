@@ -23,7 +23,7 @@ class child_process_t {
   };
 
   /// Starts `command`, its first word looked up in PATH, with default signal actions and no signal blocked. Throws
-  /// `std::system_error` if it cannot be started.
+  /// `std::system_error` if it cannot be started or watched.
   explicit child_process_t(const std::vector<std::string>& command, const options_t& options = {});
 
   /// Kills it if it still runs.

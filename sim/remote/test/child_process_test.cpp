@@ -1,7 +1,10 @@
 #include "sim/remote/child_process.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -74,4 +77,15 @@ TEST(ChildProcess, DiesWithItsObject) {
 
 TEST(ChildProcess, AProgramThatDoesNotExistIsAnError) {
   EXPECT_THROW(sim::child_process_t({"no-such-program"}), std::system_error);
+}
+
+TEST(ChildProcess, OneThatCannotBeWatchedDoesNotRunOn) {
+  rlimit usual{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+  const rlimit none_more{3, usual.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none_more), 0);
+  EXPECT_THROW(sim::child_process_t({"sleep", "1000"}), std::system_error);
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &usual), 0);
+  EXPECT_EQ(waitpid(-1, nullptr, 0), -1);
+  EXPECT_EQ(errno, ECHILD);
 }
