@@ -75,7 +75,7 @@ descriptor_t make_fifo(const std::string& path) {
 }  // namespace
 
 /// What the loop's thread and the testbed's thread have in common.
-struct device_node_t::shared_t : std::enable_shared_from_this<shared_t> {
+struct device_node_t::shared_t {
   shared_t() = default;
   /// Ends behind the last callback, also in the eyes of the thread sanitizer, which does not see GLib join its thread.
   ~shared_t() { const zyl::lock_t last(mutex); }
@@ -190,21 +190,25 @@ void device_node_t::shared_t::wake_reader() {
   static_cast<void>(::write(feeder.get(), &wake, 1));
 }
 
-/// The callbacks of the emulation library, all on the testbed's thread. What they are handed lives as long as the
-/// testbed, and for each client until it has vanished: the library keeps its thread for one that it still serves.
+/// The callbacks of the emulation library, all on the testbed's thread.
 struct device_node_t::callbacks_t {
   using owner_t = std::shared_ptr<shared_t>;
 
-  /// What the library was handed. It passes it on under locks of GLib that the thread sanitizer cannot see, so the
-  /// order is also made here.
-  static gpointer hand_over(shared_t* shared) {
+  /// The library owns what it calls back with, because its thread may still serve a client when the testbed has gone.
+  /// It passes that on under locks of GLib that the thread sanitizer cannot see, so the order is also made here.
+  static void connect(UMockdevIoctlBase* handler, const char* signal, GCallback callback, const owner_t& shared) {
+    auto owner = std::make_unique<owner_t>(shared);
     handed_over.store(true, std::memory_order_release);
-    return shared;
+    g_signal_connect_data(handler, signal, callback, owner.release(), let_go, GConnectFlags{});
   }
 
-  static shared_t* handed(gpointer shared) {
+  static void let_go(gpointer owner, GClosure* /*closure*/) {
+    const std::unique_ptr<owner_t> owned(static_cast<owner_t*>(owner));
+  }
+
+  static const owner_t& handed(gpointer owner) {
     static_cast<void>(handed_over.load(std::memory_order_acquire));
-    return static_cast<shared_t*>(shared);
+    return *static_cast<owner_t*>(owner);
   }
 
   inline static std::atomic<bool> handed_over = false;
@@ -226,7 +230,7 @@ struct device_node_t::callbacks_t {
 
   // The library has a signal "client-vanished" as well but, as of 0.17, never raises it.
   static void on_connected(UMockdevIoctlBase* /*handler*/, UMockdevIoctlClient* client, gpointer shared) {
-    auto owner = std::make_unique<owner_t>(handed(shared)->shared_from_this());
+    auto owner = std::make_unique<owner_t>(handed(shared));
     (*owner)->count_client(client, 1);
     g_object_weak_ref(G_OBJECT(client), on_vanished, owner.release());
   }
@@ -243,7 +247,6 @@ device_node_t::device_node_t(testbed_t& testbed, const std::string& subsystem, c
       node("/dev/" + folder + sysname),
       sys_path("/sys/devices/platform/" + sysname),
       shared(std::make_shared<shared_t>()) {
-  bed.keep(shared);
   {
     const zyl::lock_t lock(shared->mutex);
     shared->feeder = make_fifo(bed.root() + node);
@@ -257,6 +260,7 @@ device_node_t::device_node_t(testbed_t& testbed, const std::string& subsystem, c
 device_node_t::~device_node_t() {
   {
     const zyl::lock_t lock(shared->mutex);
+    shared->gone = true;
     shared->calls = {};
   }
   pull_out();
@@ -288,10 +292,9 @@ bool device_node_t::is_open() const {
 
 void device_node_t::attach() {
   const ioctl_base_t handler(umockdev_ioctl_base_new());
-  void* const referred = callbacks_t::hand_over(shared.get());
-  g_signal_connect(handler.get(), "handle-ioctl", G_CALLBACK(callbacks_t::on_ioctl), referred);
-  g_signal_connect(handler.get(), "handle-read", G_CALLBACK(callbacks_t::on_read), referred);
-  g_signal_connect(handler.get(), "client-connected", G_CALLBACK(callbacks_t::on_connected), referred);
+  callbacks_t::connect(handler.get(), "handle-ioctl", G_CALLBACK(callbacks_t::on_ioctl), shared);
+  callbacks_t::connect(handler.get(), "handle-read", G_CALLBACK(callbacks_t::on_read), shared);
+  callbacks_t::connect(handler.get(), "client-connected", G_CALLBACK(callbacks_t::on_connected), shared);
   glib_error_t error;
   umockdev_testbed_attach_ioctl(bed.handle(), node.c_str(), handler.get(), error.out());
   error.check("no requests on " + node);

@@ -84,7 +84,7 @@ class device_node_t {
   std::string node;
   std::string sys_path;
   bool pulled_out = false;
-  /// The testbed keeps it as long as it may call back.
+  /// The emulation library has a share in it for as long as it may call back.
   std::shared_ptr<shared_t> shared;
 };
 

@@ -1,10 +1,7 @@
 #pragma once
 
 #include <map>
-#include <memory>
 #include <string>
-#include <utility>
-#include <vector>
 
 struct _UMockdevTestbed;  // NOLINT(bugprone-reserved-identifier): the emulation library's own name
 
@@ -18,7 +15,8 @@ namespace sim {
 class testbed_t {
  public:
   testbed_t();
-  /// Ends the thread that serves requests. Programs that have a node open must have ended before.
+  /// Ends the thread that serves requests, which may take until the clients are gone that it is serving. Programs that
+  /// have a node open must have ended before.
   ~testbed_t();
 
   testbed_t(const testbed_t&) = delete;
@@ -28,9 +26,6 @@ class testbed_t {
 
   /// The folder that stands for "/" in the emulation.
   const std::string& root() const { return root_folder; }
-
-  /// Keeps alive what the thread that serves requests refers to, until that has ended.
-  void keep(std::shared_ptr<void> referred) { kept.push_back(std::move(referred)); }
 
   /// A minor number that no other device of this testbed has.
   unsigned take_minor() { return next_minor++; }
@@ -44,7 +39,6 @@ class testbed_t {
  private:
   _UMockdevTestbed* bed;
   std::string root_folder;
-  std::vector<std::shared_ptr<void>> kept;
   unsigned next_minor = 60;
 };
 
