@@ -202,14 +202,12 @@ struct device_node_t::callbacks_t {
     g_signal_connect_data(handler, signal, callback, owner.release(), let_go, GConnectFlags{});
   }
 
-  static void let_go(gpointer owner, GClosure* /*closure*/) {
-    const std::unique_ptr<owner_t> owned(static_cast<owner_t*>(owner));
-  }
-
-  static const owner_t& handed(gpointer owner) {
+  static owner_t& handed(gpointer owner) {
     static_cast<void>(handed_over.load(std::memory_order_acquire));
     return *static_cast<owner_t*>(owner);
   }
+
+  static void let_go(gpointer owner, GClosure* /*closure*/) { const std::unique_ptr<owner_t> owned(&handed(owner)); }
 
   inline static std::atomic<bool> handed_over = false;
 
