@@ -181,8 +181,8 @@ void key_device_t::publish_later(const std::string& property, const std::string&
 void key_device_t::call_later(std::function<void(key_device_t& self)> call) {
   const std::weak_ptr<key_device_t*> self = alive;
   zyl::post(base, [self, call = std::move(call)] {
-    if (const auto keys = self.lock()) {
-      call(**keys);
+    if (const auto owner = self.lock()) {
+      call(**owner);
     }
   });
 }
