@@ -7,6 +7,7 @@ namespace vgn_control {
 QByteArray levelText(double level) {
   constexpr double brightest = 255;
   // fmax takes what is no number for the lower end.
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings): the number is not negative, and halves go up
   return QByteArray::number(static_cast<int>(std::fmin(std::fmax(level * brightest, 0), brightest) + 0.5));
 }
 
