@@ -1,33 +1,16 @@
 // Files of the machine that hold a number in their first line: a byte for the fallback, then the file.
 #include "zyl/platform_files.h"
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cctype>
 #include <cerrno>
 
+#include "fuzz/memory_file.h"
 #include "fuzz/target.h"
 
 namespace {
 
+using fuzz::memory_file_t;
 using fuzz::require;
-
-/// A file that is in memory alone.
-class memory_file_t {
- public:
-  memory_file_t() : fd(::memfd_create("fuzz", MFD_CLOEXEC)) { require(fd >= 0, "a file in memory"); }
-
-  void replace(std::string_view content) const {
-    require(::ftruncate(fd, 0) == 0, "the file is emptied");
-    require(::pwrite(fd, content.data(), content.size(), 0) == static_cast<ssize_t>(content.size()), "and filled");
-  }
-
-  std::string path() const { return "/proc/self/fd/" + std::to_string(fd); }
-
- private:
-  int fd;
-};
 
 /// The number as the C library reads it, which takes more kinds of white space; nothing is out of its range.
 int plain_number(std::string_view content, int fallback) {

@@ -1,7 +1,4 @@
 // Files that tell how the hardware is: the whole input is the file.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
@@ -10,29 +7,15 @@
 #include <optional>
 #include <string>
 
+#include "fuzz/memory_file.h"
 #include "fuzz/target.h"
 #include "lnx/src/power_source.h"
 #include "lnx/src/status_file.h"
 
 namespace {
 
+using fuzz::memory_file_t;
 using fuzz::require;
-
-/// A file that is in memory alone.
-class memory_file_t {
- public:
-  memory_file_t() : fd(::memfd_create("fuzz", MFD_CLOEXEC)) { require(fd >= 0, "a file in memory"); }
-
-  void replace(std::string_view content) const {
-    require(::ftruncate(fd, 0) == 0, "the file is emptied");
-    require(::pwrite(fd, content.data(), content.size(), 0) == static_cast<ssize_t>(content.size()), "and filled");
-  }
-
-  std::string path() const { return "/proc/self/fd/" + std::to_string(fd); }
-
- private:
-  int fd;
-};
 
 /// No two values that are no number are equal, but here one is as good as another.
 bool same(float a, float b) { return a == b || (std::isnan(a) && std::isnan(b)); }
